@@ -1,0 +1,23 @@
+# tarvex_add_test(<name> SOURCES <files...> [LIBS <targets...>] [UI])
+#
+# One executable of GoogleTest cases. Every case is registered with CTest on its own and
+# runs headless: the Qt platform is "offscreen" and Qt's test mode keeps the settings and
+# data folders away from the user's own. UI tests get a QApplication, the others a
+# QGuiApplication (pictures and fonts need Gui, never Widgets).
+include(GoogleTest)
+
+function(tarvex_add_test name)
+    cmake_parse_arguments(ARG "UI" "" "SOURCES;LIBS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    if(ARG_UI)
+        target_link_libraries(${name} PRIVATE tarvex_test_main_ui)
+    else()
+        target_link_libraries(${name} PRIVATE tarvex_test_main_core)
+    endif()
+    target_link_libraries(${name} PRIVATE ${ARG_LIBS} tarvex_test_support GTest::gtest)
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    gtest_discover_tests(${name}
+        DISCOVERY_MODE PRE_TEST
+        PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen"
+        DISCOVERY_TIMEOUT 60)
+endfunction()

@@ -1,0 +1,27 @@
+# Sourced by ./run and ./test: installs the Debian packages the build, the tests and the
+# program need, when any of them is missing.
+TARVEX_PACKAGES=(
+    qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libqt6sql6-psql
+    qt6-multimedia-dev libqt6multimediawidgets6
+    gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav
+    libzip-dev libgtest-dev libbenchmark-dev cmake ninja-build g++ pkg-config
+    fonts-liberation fonts-dejavu-core xvfb xauth ffmpeg poppler-utils unzip p7zip-full
+    clang-format
+)
+
+ensure_deps() {
+    local missing=()
+    local pkg
+    for pkg in "${TARVEX_PACKAGES[@]}"; do
+        if ! dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null | grep -q "install ok installed"; then
+            missing+=("$pkg")
+        fi
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    echo "Installing: ${missing[*]}"
+    local sudo=""
+    [ "$(id -u)" -ne 0 ] && sudo="sudo"
+    export DEBIAN_FRONTEND=noninteractive
+    $sudo apt-get update -qq
+    $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}

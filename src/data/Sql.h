@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QString>
+#include <QVariant>
+#include <utility>
+#include <vector>
+
+namespace tarvex {
+
+// The statements of the system are kept in the classic Jet dialect ("DELETE * FROM",
+// "SELECT TOP 1", "DISTINCTROW", "*" wildcards) because the texts are observable values.
+// They are turned into SQLite's dialect here, at the one place where they are executed.
+QString TranslateJet(const QString& jetSql);
+
+// A text value as an SQL literal: between single quotes, an apostrophe doubled.
+QString SqlText(const QString& value);
+
+// Runs a statement that returns no rows. A failure is a DatabaseFault with the engine's text.
+void Execute(QSqlDatabase& db, const QString& jetSql);
+
+// Runs a query and returns it positioned before its first row (forward only).
+QSqlQuery OpenQuery(QSqlDatabase& db, const QString& jetSql);
+
+// Runs a prepared statement with values bound in order.
+QSqlQuery ExecPrepared(QSqlDatabase& db, const QString& sql, const QVariantList& values);
+
+using ColumnValues = std::vector<std::pair<QString, QVariant>>;
+
+// Adds a row with the given columns (an invalid QVariant writes null) and returns the
+// key the engine gave it.
+qint64 InsertRow(QSqlDatabase& db, const QString& table, const ColumnValues& values);
+
+// Changes the columns of the row whose keyColumn equals key.
+void UpdateRow(QSqlDatabase& db, const QString& table, const QString& keyColumn,
+               const QVariant& key, const ColumnValues& values);
+
+// One transaction: commits when Commit() is called, rolls back otherwise.
+class Transaction {
+public:
+    explicit Transaction(QSqlDatabase& db);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+    void Commit();
+
+private:
+    QSqlDatabase& db_;
+    bool open_ = false;
+};
+
+} // namespace tarvex

@@ -1,0 +1,57 @@
+#include "program/ClinicStore.h"
+
+#include "data/NullValues.h"
+#include "data/Sql.h"
+#include "shell/AppState.h"
+#include "support/Dates.h"
+
+namespace tarvex {
+
+namespace {
+const char* const kClinicSql = "SELECT * FROM Clinic";
+}
+
+void ReadClinicRecord(AppState& state) {
+    QSqlQuery rows = OpenQuery(state.Dbs.ProgramDb, QLatin1String(kClinicSql));
+    if (!rows.next())
+        return;
+    ClinicInfo& c = state.Clinic;
+    c.Name = NullToText(rows.value(QStringLiteral("Name")));
+    c.Phone = NullToText(rows.value(QStringLiteral("Phone")));
+    c.ShipAddr = NullToText(rows.value(QStringLiteral("ShipAddr")));
+    c.BillAddr = NullToText(rows.value(QStringLiteral("BillAddr")));
+    c.CardNum = NullToText(rows.value(QStringLiteral("CardNum")));
+    c.NameOnCard = NullToText(rows.value(QStringLiteral("NameOnCard")));
+    c.CardDate = CDate(NullToText(rows.value(QStringLiteral("CardDate"))));
+    c.ShipMethod = QString::number(NullToInt(rows.value(QStringLiteral("ShipMethod"))));
+    c.PayMethod = QString::number(NullToInt(rows.value(QStringLiteral("PayMethod"))));
+}
+
+void WriteClinicRecord(AppState& state) {
+    QSqlDatabase& db = state.Dbs.ProgramDb;
+    const ClinicInfo& c = state.Clinic;
+    const ColumnValues values = {
+        {QStringLiteral("Name"), c.Name},
+        {QStringLiteral("Phone"), c.Phone},
+        {QStringLiteral("ShipAddr"), c.ShipAddr},
+        {QStringLiteral("ShipMethod"), c.ShipMethod},
+        {QStringLiteral("BillAddr"), c.BillAddr},
+        {QStringLiteral("PayMethod"), c.PayMethod},
+        {QStringLiteral("CardNum"), c.CardNum},
+        {QStringLiteral("CardDate"), DateToStorage(c.CardDate)},
+        {QStringLiteral("NameOnCard"), c.NameOnCard},
+    };
+    Transaction transaction(db);
+    QSqlQuery first = OpenQuery(db, QStringLiteral("SELECT rowid FROM Clinic LIMIT 1"));
+    if (first.next()) {
+        const QVariant rowid = first.value(0);
+        first.finish();
+        UpdateRow(db, QStringLiteral("Clinic"), QStringLiteral("rowid"), rowid, values);
+    } else {
+        first.finish();
+        InsertRow(db, QStringLiteral("Clinic"), values);
+    }
+    transaction.Commit();
+}
+
+} // namespace tarvex

@@ -1,0 +1,83 @@
+#include "shell/AppFolder.h"
+
+#include "data/Schema.h"
+#include "shell/AppState.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace tarvex {
+
+QString AppPathAndFName(const AppState& state, const QString& name) {
+    QString relative = name;
+    relative.replace(u'\\', u'/');
+    while (relative.startsWith(u'/'))
+        relative.remove(0, 1);
+    return FindFileNoCase(state.AppFolder, relative);
+}
+
+QString FindFileNoCase(const QString& folder, const QString& name) {
+    const QString joined = QDir(folder).filePath(name);
+    if (QFileInfo::exists(joined))
+        return joined;
+    const QFileInfo wanted(joined);
+    const QDir dir = wanted.dir();
+    const QStringList entries = dir.entryList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString& entry : entries) {
+        if (entry.compare(wanted.fileName(), Qt::CaseInsensitive) == 0)
+            return dir.filePath(entry);
+    }
+    return joined;
+}
+
+QString DefaultAppFolder() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+           QStringLiteral("/Tarvex");
+}
+
+QString DefaultDeliveredFolder() {
+    const QString beside = QCoreApplication::applicationDirPath();
+    const QString installed = QDir(beside).filePath(QStringLiteral("../share/tarvex"));
+    if (QFileInfo::exists(QDir(installed).filePath(QStringLiteral("templates"))))
+        return QDir::cleanPath(installed);
+    return beside;
+}
+
+QString TemplatesFolder(const AppState& state) {
+    return QDir(state.DeliveredFolder).filePath(QStringLiteral("templates"));
+}
+
+QStringList DeliveredFileNames() {
+    return {QLatin1String(kProgramDbFile), QLatin1String(kLibraryDbFile),
+            QLatin1String(kPicklistDbFile), QStringLiteral("cover.txt"),
+            QStringLiteral("TIPOFDAY.TXT")};
+}
+
+QString PrepareAppFolder(const QString& appFolder, const QString& templatesFolder) {
+    if (!QDir().mkpath(appFolder))
+        return QStringLiteral("The data folder %1 cannot be created.").arg(appFolder);
+    for (const QString& name : DeliveredFileNames()) {
+        if (QFileInfo::exists(FindFileNoCase(appFolder, name)))
+            continue;
+        const QString source = FindFileNoCase(templatesFolder, name);
+        if (!QFileInfo(source).isFile())
+            return QStringLiteral("The delivered file %1 is missing from %2.")
+                .arg(name, templatesFolder);
+        const QString target = QDir(appFolder).filePath(name);
+        // Copied under a temporary name first, so that a broken copy never stands for a database.
+        const QString partial = target + QStringLiteral(".partial");
+        QFile::remove(partial);
+        if (!QFile::copy(source, partial) || !QFile::rename(partial, target)) {
+            QFile::remove(partial);
+            return QStringLiteral("%1 cannot be copied into %2.").arg(name, appFolder);
+        }
+        QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup |
+                                          QFile::ReadOther);
+    }
+    return QString();
+}
+
+} // namespace tarvex

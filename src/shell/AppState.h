@@ -1,0 +1,58 @@
+#pragma once
+
+#include "data/Databases.h"
+#include "exercise/ExerciseProgram.h"
+#include "exercise/LibraryCache.h"
+#include "exercise/MediaPaths.h"
+#include "program/ClinicInfo.h"
+
+#include <QString>
+#include <cstdint>
+
+namespace tarvex {
+
+// The user's options (kept in the settings store).
+struct Preferences {
+    bool PrintPatientCover = true;
+    bool PrintCallTVX = false;
+    bool ShowTips = true;
+    QString Provider;
+};
+
+// What the printed pages share.
+struct PrintState {
+    int PrintJobKind = 0;
+    double PrintScale = 1.0;
+    int BaseFontSize = 10;
+};
+
+// The shared state of a run: everything that every window reads and writes. One object,
+// passed by reference to whoever needs it.
+struct AppState {
+    QString AppFolder;       // the per-user data folder with the databases and texts
+    QString DeliveredFolder; // the installed delivered files (templates and media)
+
+    Preferences Prefs;
+    MediaPaths Media;
+    QString CDRomDrive;
+    int32_t SiteNumber = 0;
+
+    QString TollFreeOrder;
+    QString TollFreeFax;
+    QString CoverText;
+
+    ClinicInfo Clinic;
+    ExerciseProgram Program;
+    LibraryCache Library;
+    Databases Dbs;
+    PrintState Print;
+
+    int WorkspaceMode = 0;
+    bool SkipPrintDialog = false;
+};
+
+// The order telephone numbers, fixed at start.
+inline constexpr const char* kTollFreeOrder = "1-888-555-0147";
+inline constexpr const char* kTollFreeFax = "1-800-555-0142";
+
+} // namespace tarvex

@@ -1,0 +1,74 @@
+#include "shell/Startup.h"
+
+#include "data/Databases.h"
+#include "exercise/LibraryCache.h"
+#include "program/ClinicStore.h"
+#include "shell/AppFolder.h"
+#include "shell/AppState.h"
+#include "shell/Options.h"
+#include "shell/Shell.h"
+#include "support/Fault.h"
+#include "support/Prompter.h"
+
+#include <QFileInfo>
+
+namespace tarvex {
+
+namespace {
+
+// One picture stands for the whole picture set; a test that fails counts as missing.
+bool PicturesPresent(const AppState& state) {
+    return QFileInfo::exists(state.Media.Picture + QStringLiteral("385_1.JPG"));
+}
+
+} // namespace
+
+bool RunStartup(AppState& state, Shell& shell, const ISettingsStore& store, IStartupHost& host,
+                Prompter& prompter) {
+    shell.UpdateToolbar(0);
+    if (host.AnotherInstanceRunning())
+        return false;
+    host.ShowSplash();
+    LoadOptions(state, store);
+
+    // A first start fills the data folder from the delivered files; later starts find
+    // them there and nothing is copied.
+    const QString problem = PrepareAppFolder(state.AppFolder, TemplatesFolder(state));
+    if (!problem.isEmpty())
+        throw Fault(problem);
+    OpenDatabases(state);
+    state.TollFreeOrder = QLatin1String(kTollFreeOrder);
+    state.TollFreeFax = QLatin1String(kTollFreeFax);
+    state.CoverText = LoadCoverText(state);
+    ReadClinicRecord(state);
+    state.Print.PrintScale = 1.0;
+
+    host.ShowMainWindow();
+
+    state.WorkspaceMode = 0;
+    // The selection workspace is built once and kept hidden; loading it builds the
+    // library cache.
+    LoadLibraryCache(state);
+    host.LoadSelectionWorkspace();
+
+    if (state.Prefs.ShowTips)
+        host.ShowTip();
+    shell.UpdateToolbar(1);
+    state.Program.PatientID.reset();
+    state.Program.InvoiceID.reset();
+
+    if (!PicturesPresent(state))
+        host.ShowCheckMedia();
+    if (QFileInfo::exists(AppPathAndFName(state, QStringLiteral("TVX.MDB"))))
+        prompter.MsgBox(kPreviousDatabaseText, msg::Information, kPreviousDatabaseTitle);
+    shell.UpdateMenu(2);
+    return true;
+}
+
+void RunUnload(AppState& state, ISettingsStore& store) {
+    // A modified program is offered for saving here once the program store exists.
+    CloseDatabases(state);
+    SaveOptions(state, store);
+}
+
+} // namespace tarvex

@@ -1,0 +1,124 @@
+#pragma once
+
+// The small control interfaces through which the logic of a window talks to its screen.
+// The Qt windows implement them with widgets; tests implement them in memory. Indices
+// count from 0, as the lists on screen do.
+
+#include <QString>
+#include <QStringList>
+
+namespace tarvex {
+
+// A plain list box.
+class IListBox {
+public:
+    virtual ~IListBox() = default;
+    virtual void Clear() = 0;
+    virtual void AddItem(const QString& text) = 0;
+    virtual int ListCount() const = 0;
+    virtual QString List(int index) const = 0;
+    virtual bool Selected(int index) const = 0;
+    virtual void SetSelected(int index, bool selected) = 0;
+    virtual QString Tag() const = 0;
+};
+
+// A list of rows with columns (a report-style list view). Each row carries a key.
+class IReportList {
+public:
+    virtual ~IReportList() = default;
+    virtual void Clear() = 0;
+    virtual void AddRow(const QString& key, const QStringList& columns) = 0;
+    virtual int RowCount() const = 0;
+    virtual QString Key(int row) const = 0;
+    virtual QString Text(int row, int column) const = 0;
+    virtual int SelectedRow() const = 0; // -1 when none
+    virtual void SetSelectedRow(int row) = 0;
+};
+
+// A combo box. SetText returns false when the box holds a fixed list and the text is
+// none of its items (the box then keeps its text).
+class IComboBox {
+public:
+    virtual ~IComboBox() = default;
+    virtual void Clear() = 0;
+    virtual void AddItem(const QString& text) = 0;
+    virtual int ListCount() const = 0;
+    virtual QString List(int index) const = 0;
+    virtual QString Text() const = 0;
+    virtual bool SetText(const QString& text) = 0;
+    virtual int ListIndex() const = 0; // -1 when the text is no item
+    virtual void SetListIndex(int index) = 0;
+    virtual QString Tag() const = 0;
+};
+
+// A tree of nodes, each with a unique key and a text. Parents are named by key; an
+// empty parent key adds a root node.
+class ITree {
+public:
+    virtual ~ITree() = default;
+    virtual void Clear() = 0;
+    virtual void AddNode(const QString& parentKey, const QString& key, const QString& text) = 0;
+    virtual void RemoveNode(const QString& key) = 0;
+    virtual int NodeCount() const = 0;
+    virtual QString NodeKey(int index) const = 0; // in order of addition, depth first
+    virtual QString NodeText(const QString& key) const = 0;
+    virtual QString ParentKey(const QString& key) const = 0; // empty for a root
+    virtual QStringList ChildKeys(const QString& key) const = 0;
+    virtual QString SelectedKey() const = 0;
+};
+
+// Commands addressed by key: the toolbar's buttons or the menu's entries.
+class ICommands {
+public:
+    virtual ~ICommands() = default;
+    virtual void SetEnabled(const QString& key, bool enabled) = 0;
+    virtual bool IsEnabled(const QString& key) const = 0;
+};
+
+// A status bar of panels, addressed by index from 0.
+class IStatusBar {
+public:
+    virtual ~IStatusBar() = default;
+    virtual void SetPanelText(int panel, const QString& text) = 0;
+    virtual QString PanelText(int panel) const = 0;
+    // Gives pending events a turn so that the text shows during long work.
+    virtual void Refresh() = 0;
+};
+
+// A picture box: loads a picture file; a missing or unreadable file leaves it empty.
+class IPicture {
+public:
+    virtual ~IPicture() = default;
+    virtual bool LoadFile(const QString& path) = 0;
+    virtual void Clear() = 0;
+    virtual bool HasPicture() const = 0;
+};
+
+// A text box.
+class ITextBox {
+public:
+    virtual ~ITextBox() = default;
+    virtual QString Text() const = 0;
+    virtual void SetText(const QString& text) = 0;
+    virtual void SetEnabled(bool enabled) = 0;
+    virtual bool IsEnabled() const = 0;
+    virtual void SetCursorPosition(int position) = 0;
+};
+
+// A check box: value 0 cleared, 1 ticked.
+class ICheckBox {
+public:
+    virtual ~ICheckBox() = default;
+    virtual int Value() const = 0;
+    virtual void SetValue(int value) = 0;
+};
+
+// Any other control whose availability changes (a label, a frame).
+class IEnableable {
+public:
+    virtual ~IEnableable() = default;
+    virtual void SetEnabled(bool enabled) = 0;
+    virtual bool IsEnabled() const = 0;
+};
+
+} // namespace tarvex

@@ -1,0 +1,64 @@
+#include "support/Dates.h"
+
+#include "support/Fault.h"
+
+#include <QLocale>
+#include <cmath>
+
+namespace tarvex {
+
+QDateTime ZeroDate() {
+    return QDateTime(QDate(1899, 12, 30), QTime(0, 0));
+}
+
+QDateTime UnreadableDate() {
+    return DateFromSerial(32874);
+}
+
+QDateTime DateFromSerial(double serial) {
+    const double days = std::floor(serial);
+    const qint64 msecs = std::llround((serial - days) * 86400000.0);
+    return ZeroDate().addDays(static_cast<qint64>(days)).addMSecs(msecs);
+}
+
+QString ShortDateFormat() {
+    QString format = QLocale().dateFormat(QLocale::ShortFormat);
+    if (!format.contains(QLatin1String("yyyy")))
+        format.replace(QLatin1String("yy"), QLatin1String("yyyy"));
+    return format;
+}
+
+QString ShortDate(const QDateTime& date) {
+    return QLocale().toString(date.date(), ShortDateFormat());
+}
+
+QString DateToStorage(const QDateTime& date) {
+    return date.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+}
+
+std::optional<QDateTime> ParseDate(const QString& text) {
+    const QString t = text.trimmed();
+    if (t.isEmpty())
+        return std::nullopt;
+    for (const char* format : {"yyyy-MM-dd HH:mm:ss", "yyyy-MM-ddTHH:mm:ss",
+                               "yyyy-MM-ddTHH:mm:ss.zzz", "yyyy-MM-dd HH:mm:ss.zzz"}) {
+        const QDateTime dt = QDateTime::fromString(t, QLatin1String(format));
+        if (dt.isValid())
+            return dt;
+    }
+    for (const QString& format : {QStringLiteral("yyyy-MM-dd"), ShortDateFormat(),
+                                  QLocale().dateFormat(QLocale::ShortFormat)}) {
+        const QDate d = QLocale().toDate(t, format);
+        if (d.isValid())
+            return QDateTime(d, QTime(0, 0));
+    }
+    return std::nullopt;
+}
+
+QDateTime CDate(const QString& text) {
+    if (auto date = ParseDate(text))
+        return *date;
+    throw TypeFault(QStringLiteral("Type mismatch"));
+}
+
+} // namespace tarvex

@@ -1,0 +1,31 @@
+#include "ui/Application.h"
+
+#include "shell/Splash.h"
+#include "support/Fault.h"
+
+#include <QMessageBox>
+
+namespace tarvex {
+
+Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
+    setApplicationName(QStringLiteral("Tarvex"));
+    setApplicationDisplayName(ProductName());
+    setApplicationVersion(VersionText().mid(8));
+}
+
+bool Application::notify(QObject* receiver, QEvent* event) {
+    try {
+        return QApplication::notify(receiver, event);
+    } catch (const Fault& fault) {
+        ReportFault(fault.Message());
+    } catch (const std::exception& error) {
+        ReportFault(QString::fromLocal8Bit(error.what()));
+    }
+    return false;
+}
+
+void Application::ReportFault(const QString& message) {
+    QMessageBox::critical(activeWindow(), ProductName(), message);
+}
+
+} // namespace tarvex

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QApplication>
+
+namespace tarvex {
+
+// The application object. A fault raised in an event handler ends that operation with an
+// error box; the program goes on running.
+class Application : public QApplication {
+    Q_OBJECT
+public:
+    Application(int& argc, char** argv);
+    bool notify(QObject* receiver, QEvent* event) override;
+
+    // The error box of a fault.
+    static void ReportFault(const QString& message);
+};
+
+} // namespace tarvex

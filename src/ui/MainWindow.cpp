@@ -1,0 +1,239 @@
+#include "ui/MainWindow.h"
+
+#include "shell/AppState.h"
+#include "shell/SingleInstance.h"
+#include "ui/ClinicDialog.h"
+#include "ui/PreferencesDialog.h"
+#include "ui/SplashDialog.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMenuBar>
+#include <QPrintDialog>
+#include <QScreen>
+#include <QStatusBar>
+#include <QStyle>
+#include <QToolBar>
+
+namespace tarvex {
+
+namespace {
+
+struct ToolbarButton {
+    const char* key;
+    const char* tip;
+    int separatorsAfter;
+    QStyle::StandardPixmap icon;
+};
+
+const ToolbarButton kButtons[] = {
+    {"Patient", "Select patient", 0, QStyle::SP_DirHomeIcon},
+    {"Exercises", "Select exercises", 0, QStyle::SP_FileDialogListView},
+    {"Video", "Order video tape", 1, QStyle::SP_MediaPlay},
+    {"Preview", "Preview exercise sheets", 1, QStyle::SP_FileDialogContentsView},
+    {"Print", "Print exercise eheets", 2, QStyle::SP_DialogSaveButton},
+    {"Programs", "Recall stored programs", 2, QStyle::SP_FileDialogDetailedView},
+    {"Help", "Help", 0, QStyle::SP_DialogHelpButton},
+};
+
+} // namespace
+
+MainWindow::MainWindow(AppState& state, ISettingsStore& store, SingleInstanceLock& lock,
+                       bool showSplash)
+    : state_(state), store_(store), lock_(lock), showSplash_(showSplash), title_(this),
+      prompter_(this) {
+    setObjectName(QStringLiteral("mdiTVX"));
+    setWindowTitle(Shell::kTitle);
+    mdi_ = new QMdiArea(this);
+    mdi_->setBackground(palette().brush(QPalette::Dark));
+    setCentralWidget(mdi_);
+    BuildToolbar();
+    BuildMenu();
+    BuildStatusBar();
+    IPrintDialog& printDialog = *this;
+    shell_ = std::make_unique<Shell>(state_, toolbar_, menu_, status_, title_, printDialog);
+    resize(1024, 720);
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::BuildToolbar() {
+    QToolBar* bar = addToolBar(QStringLiteral("Toolbar1"));
+    bar->setObjectName(QStringLiteral("Toolbar1"));
+    bar->setMovable(false);
+    bar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    bar->setIconSize(QSize(32, 32));
+    for (const ToolbarButton& b : kButtons) {
+        const QString key = QLatin1String(b.key);
+        QAction* action = bar->addAction(style()->standardIcon(b.icon), key);
+        action->setObjectName(key);
+        action->setToolTip(QLatin1String(b.tip));
+        connect(action, &QAction::triggered, this, [this, key] { OnToolbar(key); });
+        toolbar_.Add(key, action);
+        for (int i = 0; i < b.separatorsAfter; ++i)
+            bar->addSeparator();
+    }
+}
+
+QAction* MainWindow::AddMenuEntry(QMenu* menu, const QString& key, const QString& caption) {
+    QAction* action = menu->addAction(caption);
+    action->setObjectName(key);
+    menu_.Add(key, action);
+    return action;
+}
+
+void MainWindow::BuildMenu() {
+    QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
+    menu_.Add(QStringLiteral("mnuFile"), file->menuAction());
+    QMenu* print = file->addMenu(QStringLiteral("Print"));
+    menu_.Add(QStringLiteral("mnuPrint"), print->menuAction());
+    const auto later = [this](QAction* action, const QString& what) {
+        connect(action, &QAction::triggered, this, [this, what] { NotYetAvailable(what); });
+    };
+    later(AddMenuEntry(print, "mnuPrintEx4", "Exercises &4/page"), "Printing");
+    later(AddMenuEntry(print, "mnuPrintEx2", "Exercises &2/page"), "Printing");
+    later(AddMenuEntry(print, "mnuPrintPatientRecord", "Patient &Record"), "Printing");
+    later(AddMenuEntry(print, "mnuPrintVideo", "&Video Order"), "Printing");
+    later(AddMenuEntry(print, "mnuPrintCover", "&Cover Page"), "Printing");
+    QMenu* preview = file->addMenu(QStringLiteral("Preview"));
+    menu_.Add(QStringLiteral("mnuPreview"), preview->menuAction());
+    later(AddMenuEntry(preview, "mnuPreviewEx4", "Exercises &4/page"), "The print preview");
+    later(AddMenuEntry(preview, "mnuPreviewEx2", "Exercises &2/page"), "The print preview");
+    later(AddMenuEntry(preview, "mnuPreviewPatientRecord", "Patient &Record"), "The print preview");
+    later(AddMenuEntry(preview, "mnuPreviewVideo", "&Video Order"), "The print preview");
+    later(AddMenuEntry(preview, "mnuPreviewCover", "&Cover Page"), "The print preview");
+    file->addSeparator()->setObjectName(QStringLiteral("mnuSep0"));
+    connect(AddMenuEntry(file, "mnuClinic", "&Clinic Info"), &QAction::triggered, this,
+            &MainWindow::OpenClinic);
+    later(AddMenuEntry(file, "mnuSetMedia", "&Media Location"), "Media locations");
+    later(AddMenuEntry(file, "mnuCopyPictures", "&Copy Pictures"), "Copying pictures");
+    connect(AddMenuEntry(file, "mnuPreferences", "&Preferences"), &QAction::triggered, this,
+            &MainWindow::OpenPreferences);
+    file->addSeparator()->setObjectName(QStringLiteral("mnuSep1"));
+    connect(AddMenuEntry(file, "mnuExit", "E&xit"), &QAction::triggered, this, &QWidget::close);
+
+    QMenu* database = menuBar()->addMenu(QStringLiteral("Database"));
+    menu_.Add(QStringLiteral("mnuDatabase"), database->menuAction());
+    later(AddMenuEntry(database, "mnuBackup", "&Backup"), "Backup");
+    later(AddMenuEntry(database, "mnuCompress", "&Compress"), "Compressing the databases");
+    later(AddMenuEntry(database, "mnuRebuild", "&Rebuild"), "Rebuilding the databases");
+
+    QMenu* tools = menuBar()->addMenu(QStringLiteral("&Tools"));
+    menu_.Add(QStringLiteral("mnuTools"), tools->menuAction());
+    later(AddMenuEntry(tools, "mnuEditPicklist", "Pick&list Editor"), "The picklist editor");
+    later(AddMenuEntry(tools, "mnuProtocolEditor", "&Protocol Editor"), "The protocol editor");
+    later(AddMenuEntry(tools, "mnuLibrary", "&Exercise Library"), "The exercise library");
+
+    QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
+    menu_.Add(QStringLiteral("mnuHelp"), help->menuAction());
+    later(AddMenuEntry(help, "mnuContents", "&Contents"), "Help");
+    later(AddMenuEntry(help, "mnuPrintManual", "&User Manual"), "The user manual");
+    later(AddMenuEntry(help, "mnuAbout", "&About"), "The About box");
+}
+
+void MainWindow::BuildStatusBar() {
+    auto* status = new QLabel(this);
+    status->setObjectName(QStringLiteral("status"));
+    status->setMinimumWidth(300);
+    auto* dirty = new QLabel(this);
+    dirty->setObjectName(QStringLiteral("dirty"));
+    dirty->setMinimumWidth(120);
+    dirty->setFrameShape(QFrame::StyledPanel);
+    statusBar()->setObjectName(QStringLiteral("StatusBar1"));
+    statusBar()->addWidget(status, 1);
+    statusBar()->addPermanentWidget(dirty);
+    status_.AddPanel(status);
+    status_.AddPanel(dirty);
+}
+
+bool MainWindow::Start() {
+    started_ = RunStartup(state_, *shell_, store_, *this, prompter_);
+    return started_;
+}
+
+void MainWindow::OnToolbar(const QString& key) {
+    const QHash<QString, QString> later = {
+        {"Patient", "Choosing a patient"},
+        {"Exercises", "The selection workspace"},
+        {"Video", "Ordering a video tape"},
+        {"Preview", "The print preview"},
+        {"Print", "Printing"},
+        {"Programs", "The stored programs list"},
+        {"Help", "Help"},
+    };
+    if (key == QLatin1String("Print"))
+        state_.SkipPrintDialog = true;
+    NotYetAvailable(later.value(key));
+}
+
+void MainWindow::NotYetAvailable(const QString& what) {
+    prompter_.MsgBox(QStringLiteral("%1 is not available in this release.").arg(what),
+                     msg::Information, Shell::kTitle);
+}
+
+void MainWindow::OpenPreferences() {
+    auto* dialog = new PreferencesDialog(state_, this);
+    PlaceDialog(dialog);
+    dialog->show();
+}
+
+void MainWindow::OpenClinic() {
+    auto* dialog = new ClinicDialog(state_, *shell_, this);
+    PlaceDialog(dialog);
+    dialog->show();
+}
+
+void MainWindow::PlaceDialog(QWidget* dialog) const {
+    dialog->adjustSize();
+    const QPoint offset = CenterForm(dialog->frameGeometry().size(), true, mdi_->width(), QSize());
+    dialog->move(mdi_->mapToGlobal(offset));
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    if (started_ && !unloaded_) {
+        unloaded_ = true;
+        RunUnload(state_, store_);
+    }
+    event->accept();
+}
+
+bool MainWindow::AnotherInstanceRunning() {
+    return !lock_.TryLock();
+}
+
+void MainWindow::ShowSplash() {
+    if (!showSplash_)
+        return;
+    SplashDialog splash;
+    const QSize screen = splash.screen() ? splash.screen()->availableSize() : QSize(1024, 768);
+    splash.adjustSize();
+    splash.move(CenterForm(splash.size(), false, 0, screen));
+    splash.exec();
+}
+
+void MainWindow::ShowMainWindow() {
+    show();
+    move(1, 1);
+}
+
+void MainWindow::LoadSelectionWorkspace() {
+    // The selection workspace window is not part of this release; the library cache it
+    // works on is loaded all the same.
+}
+
+void MainWindow::ShowTip() {
+    // The tip window is not part of this release.
+}
+
+void MainWindow::ShowCheckMedia() {
+    // The media check window is not part of this release.
+}
+
+bool MainWindow::Show() {
+    QPrintDialog dialog(&printer_, this);
+    return dialog.exec() == QDialog::Accepted;
+}
+
+} // namespace tarvex

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "shell/Shell.h"
+#include "shell/Startup.h"
+#include "ui/QtControls.h"
+
+#include <QMainWindow>
+#include <QPrinter>
+#include <memory>
+
+class QMdiArea;
+
+namespace tarvex {
+
+struct AppState;
+class ISettingsStore;
+class SingleInstanceLock;
+
+// The main window, mdiTVX: toolbar, menu and status bar, and the start and end of a run.
+class MainWindow : public QMainWindow, private IStartupHost, private IPrintDialog {
+    Q_OBJECT
+public:
+    MainWindow(AppState& state, ISettingsStore& store, SingleInstanceLock& lock,
+               bool showSplash = true);
+    ~MainWindow() override;
+
+    // Runs the start-up; false when the run is to end at once (another copy runs).
+    bool Start();
+
+    Shell& ShellLogic() { return *shell_; }
+    Prompter& Prompts() { return prompter_; }
+    QtCommands& ToolbarCommands() { return toolbar_; }
+    QtCommands& MenuCommands() { return menu_; }
+    QtStatusPanels& StatusPanels() { return status_; }
+
+    // Places a dialog of the main window as every form is placed when it opens.
+    void PlaceDialog(QWidget* dialog) const;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    // IStartupHost
+    bool AnotherInstanceRunning() override;
+    void ShowSplash() override;
+    void ShowMainWindow() override;
+    void LoadSelectionWorkspace() override;
+    void ShowTip() override;
+    void ShowCheckMedia() override;
+    // IPrintDialog
+    bool Show() override;
+
+    void BuildToolbar();
+    void BuildMenu();
+    void BuildStatusBar();
+    QAction* AddMenuEntry(QMenu* menu, const QString& key, const QString& caption);
+    void OnToolbar(const QString& key);
+    void OpenPreferences();
+    void OpenClinic();
+    void NotYetAvailable(const QString& what);
+
+    AppState& state_;
+    ISettingsStore& store_;
+    SingleInstanceLock& lock_;
+    bool showSplash_;
+    bool started_ = false;
+    bool unloaded_ = false;
+    QMdiArea* mdi_ = nullptr;
+    QtCommands toolbar_;
+    QtCommands menu_;
+    QtStatusPanels status_;
+    QtWindowTitle title_;
+    QtPrompter prompter_;
+    QPrinter printer_;
+    std::unique_ptr<Shell> shell_;
+};
+
+} // namespace tarvex

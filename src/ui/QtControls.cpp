@@ -1,0 +1,371 @@
+#include "ui/QtControls.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDesktopServices>
+#include <QInputDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTreeWidget>
+#include <QUrl>
+
+namespace tarvex {
+
+// --- commands, status, title
+
+void QtCommands::SetEnabled(const QString& key, bool enabled) {
+    if (QAction* action = actions_.value(key))
+        action->setEnabled(enabled);
+}
+
+bool QtCommands::IsEnabled(const QString& key) const {
+    const QAction* action = actions_.value(key);
+    return action && action->isEnabled();
+}
+
+void QtStatusPanels::SetPanelText(int panel, const QString& text) {
+    if (panel >= 0 && panel < panels_.size() && panels_[panel])
+        panels_[panel]->setText(text);
+}
+
+QString QtStatusPanels::PanelText(int panel) const {
+    return panel >= 0 && panel < panels_.size() && panels_[panel] ? panels_[panel]->text()
+                                                                  : QString();
+}
+
+void QtStatusPanels::Refresh() {
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+void QtWindowTitle::SetTitle(const QString& title) {
+    if (window_)
+        window_->setWindowTitle(title);
+}
+
+QString QtWindowTitle::Title() const {
+    return window_ ? window_->windowTitle() : QString();
+}
+
+// --- text boxes, check boxes
+
+QString QtLineEdit::Text() const {
+    return edit_ ? edit_->text() : QString();
+}
+void QtLineEdit::SetText(const QString& text) {
+    if (edit_)
+        edit_->setText(text);
+}
+void QtLineEdit::SetEnabled(bool enabled) {
+    if (edit_)
+        edit_->setEnabled(enabled);
+}
+bool QtLineEdit::IsEnabled() const {
+    return edit_ && edit_->isEnabled();
+}
+void QtLineEdit::SetCursorPosition(int position) {
+    if (edit_)
+        edit_->setCursorPosition(position);
+}
+
+QString QtPlainTextEdit::Text() const {
+    return edit_ ? edit_->toPlainText() : QString();
+}
+void QtPlainTextEdit::SetText(const QString& text) {
+    if (edit_ && edit_->toPlainText() != text)
+        edit_->setPlainText(text);
+}
+void QtPlainTextEdit::SetEnabled(bool enabled) {
+    if (edit_)
+        edit_->setEnabled(enabled);
+}
+bool QtPlainTextEdit::IsEnabled() const {
+    return edit_ && edit_->isEnabled();
+}
+void QtPlainTextEdit::SetCursorPosition(int position) {
+    if (!edit_)
+        return;
+    QTextCursor cursor = edit_->textCursor();
+    cursor.setPosition(qBound(0, position, static_cast<int>(edit_->toPlainText().size())));
+    edit_->setTextCursor(cursor);
+}
+
+int QtCheckBox::Value() const {
+    return box_ && box_->isChecked() ? 1 : 0;
+}
+void QtCheckBox::SetValue(int value) {
+    if (box_)
+        box_->setChecked(value > 0);
+}
+
+// --- combo box
+
+void QtComboBox::Clear() {
+    box_->clear();
+}
+void QtComboBox::AddItem(const QString& text) {
+    box_->addItem(text);
+}
+int QtComboBox::ListCount() const {
+    return box_->count();
+}
+QString QtComboBox::List(int index) const {
+    return box_->itemText(index);
+}
+QString QtComboBox::Text() const {
+    return box_->currentText();
+}
+bool QtComboBox::SetText(const QString& text) {
+    const int index = box_->findText(text, Qt::MatchFixedString);
+    if (index >= 0) {
+        box_->setCurrentIndex(index);
+        return true;
+    }
+    if (!box_->isEditable())
+        return false;
+    box_->setCurrentIndex(-1);
+    box_->setEditText(text);
+    return true;
+}
+int QtComboBox::ListIndex() const {
+    const int index = box_->currentIndex();
+    return index >= 0 && box_->itemText(index) == box_->currentText() ? index : -1;
+}
+void QtComboBox::SetListIndex(int index) {
+    box_->setCurrentIndex(index);
+}
+QString QtComboBox::Tag() const {
+    return box_->property("tag").toString();
+}
+
+void QtEnableable::SetEnabled(bool enabled) {
+    if (widget_)
+        widget_->setEnabled(enabled);
+}
+bool QtEnableable::IsEnabled() const {
+    return widget_ && widget_->isEnabled();
+}
+
+// --- lists
+
+void QtListBox::Clear() {
+    list_->clear();
+}
+void QtListBox::AddItem(const QString& text) {
+    list_->addItem(text);
+}
+int QtListBox::ListCount() const {
+    return list_->count();
+}
+QString QtListBox::List(int index) const {
+    const QListWidgetItem* item = list_->item(index);
+    return item ? item->text() : QString();
+}
+bool QtListBox::Selected(int index) const {
+    const QListWidgetItem* item = list_->item(index);
+    return item && item->isSelected();
+}
+void QtListBox::SetSelected(int index, bool selected) {
+    if (QListWidgetItem* item = list_->item(index))
+        item->setSelected(selected);
+}
+QString QtListBox::Tag() const {
+    return list_->property("tag").toString();
+}
+
+void QtReportList::Clear() {
+    tree_->clear();
+}
+void QtReportList::AddRow(const QString& key, const QStringList& columns) {
+    auto* item = new QTreeWidgetItem(tree_, columns);
+    item->setData(0, Qt::UserRole, key);
+}
+int QtReportList::RowCount() const {
+    return tree_->topLevelItemCount();
+}
+QString QtReportList::Key(int row) const {
+    const QTreeWidgetItem* item = tree_->topLevelItem(row);
+    return item ? item->data(0, Qt::UserRole).toString() : QString();
+}
+QString QtReportList::Text(int row, int column) const {
+    const QTreeWidgetItem* item = tree_->topLevelItem(row);
+    return item ? item->text(column) : QString();
+}
+int QtReportList::SelectedRow() const {
+    QTreeWidgetItem* item = tree_->currentItem();
+    return item ? tree_->indexOfTopLevelItem(item) : -1;
+}
+void QtReportList::SetSelectedRow(int row) {
+    tree_->setCurrentItem(tree_->topLevelItem(row));
+}
+
+// --- tree
+
+QTreeWidgetItem* QtTree::Find(const QString& key) const {
+    for (QTreeWidgetItemIterator it(tree_); *it; ++it) {
+        if ((*it)->data(0, Qt::UserRole).toString() == key)
+            return *it;
+    }
+    return nullptr;
+}
+void QtTree::Clear() {
+    tree_->clear();
+}
+void QtTree::AddNode(const QString& parentKey, const QString& key, const QString& text) {
+    QTreeWidgetItem* parent = parentKey.isEmpty() ? nullptr : Find(parentKey);
+    auto* item = parent ? new QTreeWidgetItem(parent) : new QTreeWidgetItem(tree_);
+    item->setText(0, text);
+    item->setData(0, Qt::UserRole, key);
+}
+void QtTree::RemoveNode(const QString& key) {
+    delete Find(key);
+}
+int QtTree::NodeCount() const {
+    int count = 0;
+    for (QTreeWidgetItemIterator it(tree_); *it; ++it)
+        ++count;
+    return count;
+}
+QString QtTree::NodeKey(int index) const {
+    int i = 0;
+    for (QTreeWidgetItemIterator it(tree_); *it; ++it, ++i) {
+        if (i == index)
+            return (*it)->data(0, Qt::UserRole).toString();
+    }
+    return QString();
+}
+QString QtTree::NodeText(const QString& key) const {
+    const QTreeWidgetItem* item = Find(key);
+    return item ? item->text(0) : QString();
+}
+QString QtTree::ParentKey(const QString& key) const {
+    const QTreeWidgetItem* item = Find(key);
+    return item && item->parent() ? item->parent()->data(0, Qt::UserRole).toString() : QString();
+}
+QStringList QtTree::ChildKeys(const QString& key) const {
+    QStringList keys;
+    if (const QTreeWidgetItem* item = Find(key)) {
+        for (int i = 0; i < item->childCount(); ++i)
+            keys << item->child(i)->data(0, Qt::UserRole).toString();
+    }
+    return keys;
+}
+QString QtTree::SelectedKey() const {
+    const QTreeWidgetItem* item = tree_->currentItem();
+    return item ? item->data(0, Qt::UserRole).toString() : QString();
+}
+
+// --- picture
+
+bool QtPicture::LoadFile(const QString& path) {
+    const QPixmap pixmap(path);
+    if (pixmap.isNull()) {
+        Clear();
+        return false;
+    }
+    label_->setPixmap(pixmap.scaled(label_->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    return true;
+}
+void QtPicture::Clear() {
+    label_->clear();
+}
+bool QtPicture::HasPicture() const {
+    return !label_->pixmap().isNull();
+}
+
+// --- message boxes
+
+Answer QtPrompter::MsgBox(const QString& text, int style, const QString& title) {
+    QMessageBox box(parent_);
+    box.setWindowTitle(title);
+    box.setText(text);
+    switch (style & 0x70) {
+    case msg::Critical:
+        box.setIcon(QMessageBox::Critical);
+        break;
+    case msg::Question:
+        box.setIcon(QMessageBox::Question);
+        break;
+    case msg::Exclamation:
+        box.setIcon(QMessageBox::Warning);
+        break;
+    case msg::Information:
+        box.setIcon(QMessageBox::Information);
+        break;
+    default:
+        break;
+    }
+    struct Button {
+        QMessageBox::StandardButton button;
+        Answer answer;
+    };
+    QList<Button> buttons;
+    switch (style & 0x7) {
+    case msg::OkCancel:
+        buttons = {{QMessageBox::Ok, Answer::Ok}, {QMessageBox::Cancel, Answer::Cancel}};
+        break;
+    case msg::AbortRetryIgnore:
+        buttons = {{QMessageBox::Abort, Answer::Abort},
+                   {QMessageBox::Retry, Answer::Retry},
+                   {QMessageBox::Ignore, Answer::Ignore}};
+        break;
+    case msg::YesNoCancel:
+        buttons = {{QMessageBox::Yes, Answer::Yes},
+                   {QMessageBox::No, Answer::No},
+                   {QMessageBox::Cancel, Answer::Cancel}};
+        break;
+    case msg::YesNo:
+        buttons = {{QMessageBox::Yes, Answer::Yes}, {QMessageBox::No, Answer::No}};
+        break;
+    case msg::RetryCancel:
+        buttons = {{QMessageBox::Retry, Answer::Retry}, {QMessageBox::Cancel, Answer::Cancel}};
+        break;
+    default:
+        buttons = {{QMessageBox::Ok, Answer::Ok}};
+        break;
+    }
+    QMessageBox::StandardButtons all;
+    for (const Button& b : buttons)
+        all |= b.button;
+    box.setStandardButtons(all);
+    const int defaultIndex = (style & msg::DefaultButton3)   ? 2
+                             : (style & msg::DefaultButton2) ? 1
+                                                             : 0;
+    box.setDefaultButton(buttons.value(defaultIndex, buttons.first()).button);
+    const auto pressed = static_cast<QMessageBox::StandardButton>(box.exec());
+    for (const Button& b : buttons) {
+        if (b.button == pressed)
+            return b.answer;
+    }
+    // Closing the box counts as its cancel button, or as its only button.
+    for (const Button& b : buttons) {
+        if (b.answer == Answer::Cancel || b.answer == Answer::No)
+            return b.answer;
+    }
+    return buttons.first().answer;
+}
+
+std::optional<QString> QtPrompter::InputBox(const QString& prompt, const QString& title,
+                                            const QString& defaultText) {
+    bool ok = false;
+    const QString text =
+        QInputDialog::getText(parent_, title, prompt, QLineEdit::Normal, defaultText, &ok);
+    if (!ok)
+        return std::nullopt;
+    return text;
+}
+
+bool QtDesktop::OpenDocument(const QString& path) {
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
+QString ButtonTag(const QObject* button) {
+    return button ? button->property("tag").toString() : QString();
+}
+
+} // namespace tarvex

@@ -1,0 +1,294 @@
+#pragma once
+
+// In-memory stand-ins for the control interfaces, so that the logic of every window can
+// be driven headless and its effects read back.
+
+#include "shell/Shell.h"
+#include "shell/Startup.h"
+#include "support/Controls.h"
+#include "support/Desktop.h"
+#include "support/Prompter.h"
+
+#include <QFile>
+#include <QHash>
+#include <QMap>
+#include <QStringList>
+#include <deque>
+#include <stdexcept>
+#include <vector>
+
+namespace tarvex::fakes {
+
+class FakeCommands : public ICommands {
+public:
+    void SetEnabled(const QString& key, bool enabled) override { enabled_[key] = enabled; }
+    bool IsEnabled(const QString& key) const override { return enabled_.value(key, true); }
+    QStringList EnabledOf(const QStringList& keys) const {
+        QStringList on;
+        for (const QString& key : keys)
+            if (IsEnabled(key))
+                on << key;
+        return on;
+    }
+
+private:
+    QHash<QString, bool> enabled_;
+};
+
+class FakeStatusBar : public IStatusBar {
+public:
+    void SetPanelText(int panel, const QString& text) override {
+        panels[panel] = text;
+        ++writes;
+    }
+    QString PanelText(int panel) const override { return panels.value(panel); }
+    void Refresh() override { ++refreshes; }
+
+    QMap<int, QString> panels;
+    int writes = 0;
+    int refreshes = 0;
+};
+
+class FakeTitle : public IWindowTitle {
+public:
+    explicit FakeTitle(QString initial = QStringLiteral("TVX Regimenter")) : title(initial) {}
+    void SetTitle(const QString& t) override { title = t; }
+    QString Title() const override { return title; }
+    QString title;
+};
+
+class FakePrintDialog : public IPrintDialog {
+public:
+    bool Show() override {
+        ++shown;
+        return answer;
+    }
+    bool answer = true;
+    int shown = 0;
+};
+
+class FakeTextBox : public ITextBox {
+public:
+    QString Text() const override { return text; }
+    void SetText(const QString& t) override { text = t; }
+    void SetEnabled(bool e) override { enabled = e; }
+    bool IsEnabled() const override { return enabled; }
+    void SetCursorPosition(int p) override { cursor = p; }
+    QString text;
+    bool enabled = true;
+    int cursor = -1;
+};
+
+class FakeCheckBox : public ICheckBox {
+public:
+    int Value() const override { return value; }
+    void SetValue(int v) override { value = v; }
+    int value = 0;
+};
+
+class FakeEnableable : public IEnableable {
+public:
+    void SetEnabled(bool e) override { enabled = e; }
+    bool IsEnabled() const override { return enabled; }
+    bool enabled = true;
+};
+
+// A combo box; with fixedList set it refuses texts that are none of its items.
+class FakeComboBox : public IComboBox {
+public:
+    explicit FakeComboBox(bool fixedList = true, QString tag = {}) : fixed(fixedList), tag(tag) {}
+    void Clear() override {
+        items.clear();
+        text.clear();
+    }
+    void AddItem(const QString& t) override { items << t; }
+    int ListCount() const override { return static_cast<int>(items.size()); }
+    QString List(int i) const override { return items.value(i); }
+    QString Text() const override { return text; }
+    bool SetText(const QString& t) override {
+        const int i = IndexOf(t);
+        if (i < 0 && fixed)
+            return false;
+        text = i >= 0 ? items[i] : t;
+        return true;
+    }
+    int ListIndex() const override { return IndexOf(text); }
+    void SetListIndex(int i) override { text = items.value(i); }
+    QString Tag() const override { return tag; }
+
+    QStringList items;
+    QString text;
+    bool fixed;
+    QString tag;
+
+private:
+    int IndexOf(const QString& t) const {
+        for (int i = 0; i < items.size(); ++i)
+            if (items[i].compare(t, Qt::CaseInsensitive) == 0)
+                return i;
+        return -1;
+    }
+};
+
+class FakeListBox : public IListBox {
+public:
+    explicit FakeListBox(QString tag = {}) : tag(tag) {}
+    void Clear() override {
+        items.clear();
+        selected.clear();
+    }
+    void AddItem(const QString& t) override {
+        items << t;
+        selected.push_back(false);
+    }
+    int ListCount() const override { return static_cast<int>(items.size()); }
+    QString List(int i) const override { return items.value(i); }
+    bool Selected(int i) const override {
+        return i >= 0 && i < static_cast<int>(selected.size()) && selected[i];
+    }
+    void SetSelected(int i, bool s) override {
+        if (i >= 0 && i < static_cast<int>(selected.size()))
+            selected[i] = s;
+    }
+    QString Tag() const override { return tag; }
+    QStringList items;
+    std::vector<bool> selected;
+    QString tag;
+};
+
+class FakeReportList : public IReportList {
+public:
+    void Clear() override { rows.clear(); }
+    void AddRow(const QString& key, const QStringList& columns) override {
+        rows.push_back({key, columns});
+    }
+    int RowCount() const override { return static_cast<int>(rows.size()); }
+    QString Key(int r) const override { return rows.at(r).first; }
+    QString Text(int r, int c) const override { return rows.at(r).second.value(c); }
+    int SelectedRow() const override { return selectedRow; }
+    void SetSelectedRow(int r) override { selectedRow = r; }
+    std::vector<std::pair<QString, QStringList>> rows;
+    int selectedRow = -1;
+};
+
+class FakeTree : public ITree {
+public:
+    void Clear() override { nodes.clear(); }
+    void AddNode(const QString& parentKey, const QString& key, const QString& text) override {
+        if (Find(key) >= 0)
+            throw std::runtime_error("Key is not unique in collection");
+        nodes.push_back({parentKey, key, text});
+    }
+    void RemoveNode(const QString& key) override {
+        for (const QString& child : ChildKeys(key))
+            RemoveNode(child);
+        const int i = Find(key);
+        if (i >= 0)
+            nodes.erase(nodes.begin() + i);
+    }
+    int NodeCount() const override { return static_cast<int>(nodes.size()); }
+    QString NodeKey(int i) const override { return nodes.at(i).key; }
+    QString NodeText(const QString& key) const override {
+        const int i = Find(key);
+        return i >= 0 ? nodes[i].text : QString();
+    }
+    QString ParentKey(const QString& key) const override {
+        const int i = Find(key);
+        return i >= 0 ? nodes[i].parent : QString();
+    }
+    QStringList ChildKeys(const QString& key) const override {
+        QStringList keys;
+        for (const Node& n : nodes)
+            if (n.parent == key && !key.isEmpty())
+                keys << n.key;
+        return keys;
+    }
+    QString SelectedKey() const override { return selectedKey; }
+
+    struct Node {
+        QString parent, key, text;
+    };
+    std::vector<Node> nodes;
+    QString selectedKey;
+
+private:
+    int Find(const QString& key) const {
+        for (int i = 0; i < static_cast<int>(nodes.size()); ++i)
+            if (nodes[i].key == key)
+                return i;
+        return -1;
+    }
+};
+
+class FakePicture : public IPicture {
+public:
+    bool LoadFile(const QString& path) override {
+        loads << path;
+        loaded = !path.isEmpty() && QFile::exists(path);
+        return loaded;
+    }
+    void Clear() override { loaded = false; }
+    bool HasPicture() const override { return loaded; }
+    QStringList loads;
+    bool loaded = false;
+};
+
+// Answers message boxes from a script, in order, and records every box it was shown.
+// A box with no scripted answer left fails the test through an exception.
+class ScriptedPrompter : public Prompter {
+public:
+    struct Box {
+        QString text;
+        int style;
+        QString title;
+    };
+    Answer MsgBox(const QString& text, int style, const QString& title) override {
+        boxes.push_back({text, style, title});
+        if (answers.empty())
+            throw std::runtime_error("unexpected message box: " + title.toStdString() + ": " +
+                                     text.toStdString());
+        const Answer a = answers.front();
+        answers.pop_front();
+        return a;
+    }
+    std::optional<QString> InputBox(const QString& prompt, const QString& title,
+                                    const QString&) override {
+        boxes.push_back({prompt, -1, title});
+        if (inputs.empty())
+            throw std::runtime_error("unexpected input box: " + title.toStdString());
+        auto a = inputs.front();
+        inputs.pop_front();
+        return a;
+    }
+    std::deque<Answer> answers;
+    std::deque<std::optional<QString>> inputs;
+    std::vector<Box> boxes;
+};
+
+class FakeDesktop : public IDesktop {
+public:
+    bool OpenDocument(const QString& path) override {
+        opened << path;
+        return result;
+    }
+    QStringList opened;
+    bool result = false;
+};
+
+// Records what start-up asked of the windowing side, in order.
+class FakeStartupHost : public IStartupHost {
+public:
+    bool AnotherInstanceRunning() override {
+        calls << "instance";
+        return anotherInstance;
+    }
+    void ShowSplash() override { calls << "splash"; }
+    void ShowMainWindow() override { calls << "main"; }
+    void LoadSelectionWorkspace() override { calls << "workspace"; }
+    void ShowTip() override { calls << "tip"; }
+    void ShowCheckMedia() override { calls << "checkmedia"; }
+    bool anotherInstance = false;
+    QStringList calls;
+};
+
+} // namespace tarvex::fakes

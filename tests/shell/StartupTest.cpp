@@ -1,0 +1,185 @@
+#include "shell/Startup.h"
+#include "fakes/FakeControls.h"
+#include "fakes/FakeSettingsStore.h"
+#include "shell/AppFolder.h"
+#include "shell/ShellHarness.h"
+#include "shell/SingleInstance.h"
+#include "support/Fault.h"
+#include "support/TestFolder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using namespace tarvex;
+using namespace tarvex::fakes;
+using tarvex::testing::ShellHarness;
+
+namespace {
+
+struct StartupRun {
+    explicit StartupRun(const QString& appFolder) : shell(state) {
+        state.AppFolder = appFolder;
+        state.DeliveredFolder = tarvex::testing::DeliveredFolder();
+        store.values["Options/ShowTips"] = "False";
+    }
+    ~StartupRun() { CloseDatabases(state); }
+    bool Start() { return RunStartup(state, shell.shell, store, host, prompter); }
+
+    AppState state;
+    ShellHarness shell;
+    FakeSettingsStore store;
+    FakeStartupHost host;
+    ScriptedPrompter prompter;
+};
+
+} // namespace
+
+TEST(Startup, AFirstStartInAnEmptyFolderCreatesTheDatabasesAndReachesTheReadyState) {
+    QTemporaryDir dir;
+    const QString appFolder = dir.filePath("Tarvex");
+    StartupRun run(appFolder);
+    ASSERT_TRUE(run.Start());
+    for (const QString& name : DeliveredFileNames())
+        EXPECT_TRUE(QFile::exists(QDir(appFolder).filePath(name))) << name.toStdString();
+    EXPECT_EQ(run.shell.shell.ToolbarMode(), 1);
+    EXPECT_EQ(run.shell.shell.MenuMode(), 2);
+    EXPECT_EQ(run.shell.title.title, "TVX Regimenter"); // the title is not set during start-up
+    EXPECT_EQ(run.shell.ToolbarOn(), QStringList({"Patient", "Programs", "Help"}));
+    EXPECT_EQ(run.shell.MenuOn(), Shell::RestrictedMenuKeys());
+    EXPECT_GT(run.state.Library.NumChoices, 0);
+    EXPECT_EQ(run.state.TollFreeOrder, "1-888-555-0147");
+    EXPECT_EQ(run.state.TollFreeFax, "1-800-555-0142");
+    EXPECT_FALSE(run.state.CoverText.isEmpty());
+    EXPECT_TRUE(run.state.CoverText.endsWith("\r\n"));
+    EXPECT_EQ(run.state.Print.PrintScale, 1.0);
+    EXPECT_EQ(run.state.WorkspaceMode, 0);
+    EXPECT_FALSE(run.state.Program.PatientID.has_value());
+    EXPECT_TRUE(run.prompter.boxes.empty());
+}
+
+TEST(Startup, RunsItsStepsInOrder) {
+    QTemporaryDir dir;
+    StartupRun run(dir.path());
+    run.store.values["Options/ShowTips"] = "True";
+    ASSERT_TRUE(run.Start());
+    // The delivered media are not built here, so the picture check fails and the media
+    // window is offered.
+    EXPECT_EQ(run.host.calls,
+              QStringList({"instance", "splash", "main", "workspace", "tip", "checkmedia"}));
+}
+
+TEST(Startup, WithTipsOffNoTipWindowAppears) {
+    QTemporaryDir dir;
+    StartupRun run(dir.path());
+    ASSERT_TRUE(run.Start());
+    EXPECT_FALSE(run.host.calls.contains("tip"));
+}
+
+TEST(Startup, APictureSetInPlaceNeedsNoMediaCheck) {
+    QTemporaryDir dir;
+    QDir(dir.path()).mkpath("CD/PICTURE");
+    QFile picture(dir.filePath("CD/PICTURE/385_1.JPG"));
+    ASSERT_TRUE(picture.open(QIODevice::WriteOnly));
+    picture.close();
+    StartupRun run(dir.filePath("app"));
+    run.store.values["Options/Picture"] = dir.filePath("CD/PICTURE") + "/";
+    ASSERT_TRUE(run.Start());
+    EXPECT_FALSE(run.host.calls.contains("checkmedia"));
+}
+
+TEST(Startup, ASecondCopyEndsAtOnceWithoutAWord) {
+    QTemporaryDir dir;
+    StartupRun run(dir.filePath("app"));
+    run.host.anotherInstance = true;
+    EXPECT_FALSE(run.Start());
+    EXPECT_EQ(run.host.calls, QStringList({"instance"}));
+    EXPECT_TRUE(run.prompter.boxes.empty());
+    EXPECT_FALSE(run.state.Dbs.IsOpen());
+    EXPECT_EQ(run.shell.shell.ToolbarMode(), 0);
+}
+
+TEST(Startup, APreviousDatabaseIsReportedAndStartUpGoesOn) {
+    QTemporaryDir dir;
+    QFile old(dir.filePath("tvx.mdb"));
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.close();
+    StartupRun run(dir.path());
+    run.prompter.answers = {Answer::Ok};
+    ASSERT_TRUE(run.Start());
+    ASSERT_EQ(run.prompter.boxes.size(), 1u);
+    EXPECT_EQ(run.prompter.boxes[0].title, "Previous Database Detected");
+    EXPECT_EQ(run.prompter.boxes[0].text,
+              "You have a previous version of the TVX Database.\n"
+              "Run the Tarvex Database Ugrade program to import your data.");
+    EXPECT_EQ(run.prompter.boxes[0].style, msg::Information);
+    EXPECT_EQ(run.shell.shell.MenuMode(), 2);
+}
+
+TEST(Startup, AMissingDatabaseEndsTheRunWithAFault) {
+    tarvex::testing::TestFolder folder;
+    ASSERT_TRUE(QFile::remove(folder.File("Tarvex.MDB")));
+    // A missing file is copied anew from the delivered ones, so damage the delivered path.
+    StartupRun run(folder.Path());
+    run.state.DeliveredFolder = folder.File("nowhere");
+    EXPECT_THROW(run.Start(), Fault);
+}
+
+TEST(Startup, AClinicRowWithoutACardDateEndsTheRun) {
+    tarvex::testing::TestFolder folder;
+    folder.WithDatabase("Tarvex.MDB", [](QSqlDatabase& db) {
+        QSqlQuery(db).exec("INSERT INTO Clinic (Name) VALUES ('No date')");
+    });
+    StartupRun run(folder.Path());
+    EXPECT_THROW(run.Start(), TypeFault);
+}
+
+TEST(Unload, ClosesTheDatabasesThenWritesTheOptions) {
+    QTemporaryDir dir;
+    StartupRun run(dir.path());
+    ASSERT_TRUE(run.Start());
+    run.store.writes.clear();
+    run.state.Prefs.ShowTips = true;
+    RunUnload(run.state, run.store);
+    EXPECT_FALSE(run.state.Dbs.IsOpen());
+    EXPECT_EQ(run.store.writes.size(), 7);
+    EXPECT_EQ(run.store.values["Options/ShowTips"], "True");
+}
+
+TEST(Unload, ARunThatEndsAbnormallyLosesTheChangedOptions) {
+    QTemporaryDir dir;
+    StartupRun run(dir.path());
+    ASSERT_TRUE(run.Start());
+    run.state.Prefs.PrintCallTVX = true; // changed in the dialog; the run then dies
+    EXPECT_FALSE(run.store.values.contains("Options/PrintCallTVX"));
+}
+
+TEST(SingleInstanceLock, TheSecondHolderIsRefused) {
+    QTemporaryDir dir;
+    SingleInstanceLock first(dir.filePath("tarvex.lock"));
+    SingleInstanceLock second(dir.filePath("tarvex.lock"));
+    EXPECT_TRUE(first.TryLock());
+    EXPECT_TRUE(first.TryLock());
+    EXPECT_FALSE(second.TryLock());
+}
+
+TEST(PrepareAppFolder, NeverOverwritesAFileThatIsThere) {
+    QTemporaryDir dir;
+    QFile mine(dir.filePath("cover.txt"));
+    ASSERT_TRUE(mine.open(QIODevice::WriteOnly));
+    mine.write("our own cover text\n");
+    mine.close();
+    EXPECT_EQ(PrepareAppFolder(dir.path(), tarvex::testing::DeliveredFolder() + "/templates"), "");
+    QFile again(dir.filePath("cover.txt"));
+    ASSERT_TRUE(again.open(QIODevice::ReadOnly));
+    EXPECT_EQ(again.readAll(), "our own cover text\n");
+    EXPECT_TRUE(QFile::exists(dir.filePath("Tarvex.MDB")));
+}
+
+TEST(PrepareAppFolder, SaysWhatIsMissing) {
+    QTemporaryDir dir;
+    const QString problem = PrepareAppFolder(dir.filePath("app"), dir.filePath("no-templates"));
+    EXPECT_TRUE(problem.contains("Tarvex.MDB"));
+}

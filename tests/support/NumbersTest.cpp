@@ -1,0 +1,56 @@
+#include "support/Numbers.h"
+#include "support/Booleans.h"
+#include "support/Fault.h"
+
+#include <gtest/gtest.h>
+
+using namespace tarvex;
+
+TEST(Val, ReadsTheLeadingNumberOfAText) {
+    EXPECT_EQ(Val("12 Main Street"), 12);
+    EXPECT_EQ(Val("  42"), 42);
+    EXPECT_EQ(Val("1 2 3"), 123); // blanks are skipped anywhere
+    EXPECT_EQ(Val("-7.5kg"), -7.5);
+    EXPECT_EQ(Val("1e3"), 1000);
+    EXPECT_EQ(Val("&H1F"), 31);
+    EXPECT_EQ(Val("&O17"), 15);
+}
+
+TEST(Val, GivesZeroWithoutANumber) {
+    EXPECT_EQ(Val("UPS Ground"), 0);
+    EXPECT_EQ(Val(""), 0);
+    EXPECT_EQ(Val("VISA"), 0);
+    EXPECT_EQ(Val("-"), 0);
+}
+
+TEST(Rounding, TiesGoToTheEvenInteger) {
+    EXPECT_EQ(RoundHalfEven(2.5), 2);
+    EXPECT_EQ(RoundHalfEven(3.5), 4);
+    EXPECT_EQ(RoundHalfEven(-2.5), -2);
+    EXPECT_EQ(RoundHalfEven(2.6), 3);
+    EXPECT_EQ(ToInt16(22.5), 22);
+}
+
+TEST(Int16, OverflowIsAFault) {
+    EXPECT_EQ(ToInt16(32767), 32767);
+    EXPECT_EQ(ToInt16(-32768), -32768);
+    EXPECT_THROW(ToInt16(32768), OverflowFault);
+    EXPECT_THROW(ToInt16(-32769), OverflowFault);
+    EXPECT_THROW(ToInt32(3e9), OverflowFault);
+}
+
+TEST(Booleans, AreWrittenAsWordsAndReadBack) {
+    EXPECT_EQ(BoolText(true), "True");
+    EXPECT_EQ(BoolText(false), "False");
+    EXPECT_TRUE(CBool("True"));
+    EXPECT_TRUE(CBool("true"));
+    EXPECT_FALSE(CBool("FALSE"));
+    EXPECT_TRUE(CBool("-1"));
+    EXPECT_FALSE(CBool("0"));
+}
+
+TEST(Booleans, AnyOtherTextIsAFault) {
+    EXPECT_THROW(CBool("Yes please"), TypeFault);
+    EXPECT_THROW(CBool(""), TypeFault);
+    EXPECT_THROW(CBool(QString(5000, QChar(0xFFFD))), TypeFault);
+}

@@ -1,0 +1,175 @@
+// Builds the delivered files from the source data of content/: the three databases
+// ("Tarvex.MDB", "Exercise Library.MDB", "Picklist.MDB") and the two texts.
+//
+//   make_templates --content DIR --out DIR
+
+#include "data/Schema.h"
+#include "data/Sql.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QSqlDatabase>
+#include <QTextStream>
+#include <cstdio>
+
+using namespace tarvex;
+
+namespace {
+
+struct Failure {
+    QString message;
+};
+
+QList<QStringList> ReadTable(const QString& path, int columns) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        throw Failure{QStringLiteral("cannot read %1").arg(path)};
+    QTextStream in(&file);
+    QList<QStringList> rows;
+    QString line;
+    int number = 0;
+    while (in.readLineInto(&line)) {
+        ++number;
+        if (number == 1 || line.trimmed().isEmpty())
+            continue; // header
+        const QStringList fields = line.split(u'\t');
+        if (fields.size() != columns)
+            throw Failure{QStringLiteral("%1:%2: %3 fields, expected %4")
+                              .arg(path)
+                              .arg(number)
+                              .arg(fields.size())
+                              .arg(columns)};
+        rows << fields;
+    }
+    return rows;
+}
+
+// Creates a database file under a temporary name and runs fill on it; the file takes
+// its real name only when everything went in.
+template <typename Fill> void MakeDatabase(const QString& path, Fill fill) {
+    const QString partial = path + QStringLiteral(".partial");
+    QFile::remove(partial);
+    {
+        QSqlDatabase db =
+            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("make"));
+        db.setDatabaseName(partial);
+        if (!db.open())
+            throw Failure{QStringLiteral("cannot create %1").arg(partial)};
+        Execute(db, QStringLiteral("PRAGMA foreign_keys = ON"));
+        fill(db);
+        Execute(db, QStringLiteral("VACUUM"));
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("make"));
+    QFile::remove(path);
+    if (!QFile::rename(partial, path))
+        throw Failure{QStringLiteral("cannot write %1").arg(path)};
+}
+
+QVariant MediaName(bool present, const QString& name) {
+    return present ? QVariant(name) : QVariant(QString());
+}
+
+void FillLibrary(QSqlDatabase& db, const QList<QStringList>& rows) {
+    CreateLibrarySchema(db);
+    Transaction transaction(db);
+    for (const QStringList& f : rows) {
+        const QString id = f[0];
+        bool ok = false;
+        id.toInt(&ok);
+        if (!ok)
+            throw Failure{QStringLiteral("exercise number \"%1\" is not a number").arg(id)};
+        const bool hasVideo = f[13] == QLatin1String("1");
+        InsertRow(db, QStringLiteral("ExerciseLibrary"),
+                  {{"ExerciseID", f[0].toInt()},
+                   {"code", f[1]},
+                   {"Desc", f[2]},
+                   {"AbbrevDesc", f[3]},
+                   {"Reps", f[4].toInt()},
+                   {"Hold", f[5].toInt()},
+                   {"Sets", f[6].toInt()},
+                   {"Joint", f[7]},
+                   {"Motion", f[8]},
+                   {"Type", f[9]},
+                   {"Movie", MediaName(hasVideo, id + QStringLiteral(".AVI"))},
+                   {"Icon", id + QStringLiteral(".JPG")},
+                   {"Picture0", MediaName(!f[10].isEmpty(), id + QStringLiteral("_1.JPG"))},
+                   {"Picture1", MediaName(!f[11].isEmpty(), id + QStringLiteral("_2.JPG"))},
+                   {"Picture2", MediaName(!f[12].isEmpty(), id + QStringLiteral("_3.JPG"))},
+                   {"IconSrc", 0},
+                   {"Picture0Src", QString()},
+                   {"Picture1Src", QString()},
+                   {"Picture2Src", QString()},
+                   {"Instruct0", f[10]},
+                   {"Instruct1", f[11]},
+                   {"Instruct2", f[12]},
+                   {"HasVideo", hasVideo ? 1 : 0},
+                   {"VideoReps", f[14].toInt()},
+                   {"VideoHold", f[15].toInt()},
+                   {"VideoSets", f[16].toInt()}});
+    }
+    transaction.Commit();
+    WriteVersion(db, QLatin1String(kCurrentDatabaseVersion));
+}
+
+void FillPicklists(QSqlDatabase& db, const QList<QStringList>& rows) {
+    CreatePicklistSchema(db);
+    Transaction transaction(db);
+    QHash<QString, qint64> labels;
+    for (const QStringList& f : rows) {
+        if (!labels.contains(f[0]))
+            labels.insert(f[0], InsertRow(db, QStringLiteral("Label"), {{"Name", f[0]}}));
+        InsertRow(db, QStringLiteral("Level1"), {{"LabelID", labels.value(f[0])}, {"Name", f[1]}});
+    }
+    transaction.Commit();
+}
+
+void CopyText(const QString& from, const QString& to) {
+    QFile::remove(to);
+    if (!QFile::copy(from, to))
+        throw Failure{QStringLiteral("cannot copy %1 to %2").arg(from, to)};
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    const int contentAt = args.indexOf(QStringLiteral("--content"));
+    const int outAt = args.indexOf(QStringLiteral("--out"));
+    if (contentAt < 0 || outAt < 0 || contentAt + 1 >= args.size() || outAt + 1 >= args.size()) {
+        std::fprintf(stderr, "usage: make_templates --content DIR --out DIR\n");
+        return 2;
+    }
+    const QDir content(args[contentAt + 1]);
+    const QDir out(args[outAt + 1]);
+    try {
+        if (!QDir().mkpath(out.path()))
+            throw Failure{QStringLiteral("cannot create %1").arg(out.path())};
+        const auto library = ReadTable(content.filePath(QStringLiteral("library.tsv")), 17);
+        const auto picklists = ReadTable(content.filePath(QStringLiteral("picklists.tsv")), 2);
+        MakeDatabase(out.filePath(QLatin1String(kLibraryDbFile)),
+                     [&](QSqlDatabase& db) { FillLibrary(db, library); });
+        MakeDatabase(out.filePath(QLatin1String(kProgramDbFile)), [](QSqlDatabase& db) {
+            CreateProgramSchema(db);
+            WriteVersion(db, QLatin1String(kCurrentDatabaseVersion));
+        });
+        MakeDatabase(out.filePath(QLatin1String(kPicklistDbFile)),
+                     [&](QSqlDatabase& db) { FillPicklists(db, picklists); });
+        CopyText(content.filePath(QStringLiteral("cover.txt")),
+                 out.filePath(QStringLiteral("cover.txt")));
+        CopyText(content.filePath(QStringLiteral("TIPOFDAY.TXT")),
+                 out.filePath(QStringLiteral("TIPOFDAY.TXT")));
+        std::printf("make_templates: %lld exercises, %lld picklist entries -> %s\n",
+                    static_cast<long long>(library.size()),
+                    static_cast<long long>(picklists.size()), qPrintable(out.path()));
+    } catch (const Failure& failure) {
+        std::fprintf(stderr, "make_templates: %s\n", qPrintable(failure.message));
+        return 1;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "make_templates: %s\n", error.what());
+        return 1;
+    }
+    return 0;
+}
