@@ -1,0 +1,26 @@
+"""Prints the medians of a Google Benchmark JSON file and the ratios to the floors."""
+import json
+import sys
+
+FLOORS = {"BM_LoadLibraryCache": "BM_BareLibraryRead"}
+TARGETS = {"BM_LoadLibraryCache": "within 2x of the floor", "BM_Startup/32767": "under 500 ms"}
+
+with open(sys.argv[1]) as f:
+    runs = json.load(f)["benchmarks"]
+def name_of(run):
+    return run["run_name"].split("/repeats:")[0]
+
+
+medians = {name_of(r): r["real_time"] for r in runs if r.get("aggregate_name") == "median"}
+unit = {name_of(r): r["time_unit"] for r in runs}
+for name, ms in sorted(medians.items()):
+    line = f"{name:32s} median {ms:9.2f} {unit[name]}"
+    base, _, arg = name.partition("/")
+    if base in FLOORS:
+        floor = medians.get(f"{FLOORS[base]}/{arg}")
+        if floor:
+            line += f"   ratio to floor {ms / floor:5.2f}"
+    target = TARGETS.get(name) or TARGETS.get(base)
+    if target:
+        line += f"   (target: {target})"
+    print(line)
