@@ -7,6 +7,13 @@
 
 namespace tarvex {
 
+namespace {
+Application::FaultReporter& Reporter() {
+    static Application::FaultReporter reporter;
+    return reporter;
+}
+} // namespace
+
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
     setApplicationName(QStringLiteral("Tarvex"));
     setApplicationDisplayName(ProductName());
@@ -24,7 +31,15 @@ bool Application::notify(QObject* receiver, QEvent* event) {
     return false;
 }
 
+void Application::SetFaultReporter(FaultReporter reporter) {
+    Reporter() = std::move(reporter);
+}
+
 void Application::ReportFault(const QString& message) {
+    if (Reporter()) {
+        Reporter()(message);
+        return;
+    }
     QMessageBox::critical(activeWindow(), ProductName(), message);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QApplication>
+#include <functional>
 
 namespace tarvex {
 
@@ -14,6 +15,10 @@ public:
 
     // The error box of a fault.
     static void ReportFault(const QString& message);
+
+    // Replaces the error box, for tests; an empty function restores it.
+    using FaultReporter = std::function<void(const QString&)>;
+    static void SetFaultReporter(FaultReporter reporter);
 };
 
 } // namespace tarvex

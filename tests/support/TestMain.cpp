@@ -7,8 +7,8 @@
 #include <QtGlobal>
 
 #ifdef TARVEX_TEST_UI
-#include <QApplication>
-using TestApplication = QApplication;
+#include "ui/Application.h"
+using TestApplication = tarvex::Application;
 #else
 #include <QGuiApplication>
 using TestApplication = QGuiApplication;
