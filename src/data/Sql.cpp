@@ -127,6 +127,27 @@ void UpdateRow(QSqlDatabase& db, const QString& table, const QString& keyColumn,
                  bound);
 }
 
+PreparedInsert::PreparedInsert(QSqlDatabase& db, const QString& table, const QStringList& columns)
+    : query_(db) {
+    QStringList quoted, marks;
+    for (const QString& column : columns) {
+        quoted << QuoteIdentifier(column);
+        marks << QStringLiteral("?");
+    }
+    sql_ = QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+               .arg(table, quoted.join(u','), marks.join(u','));
+    if (!query_.prepare(sql_))
+        Fail(query_.lastError(), sql_);
+}
+
+qint64 PreparedInsert::Insert(const QVariantList& values) {
+    for (int i = 0; i < values.size(); ++i)
+        query_.bindValue(i, values[i]);
+    if (!query_.exec())
+        Fail(query_.lastError(), sql_);
+    return query_.lastInsertId().toLongLong();
+}
+
 Transaction::Transaction(QSqlDatabase& db) : db_(db) {
     if (!db_.transaction())
         Fail(db_.lastError(), QStringLiteral("BEGIN"));

@@ -3,6 +3,7 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 #include <utility>
 #include <vector>
@@ -35,6 +36,18 @@ qint64 InsertRow(QSqlDatabase& db, const QString& table, const ColumnValues& val
 // Changes the columns of the row whose keyColumn equals key.
 void UpdateRow(QSqlDatabase& db, const QString& table, const QString& keyColumn,
                const QVariant& key, const ColumnValues& values);
+
+// An insert prepared once and run for many rows, each with the values of the columns in
+// the order given at construction.
+class PreparedInsert {
+public:
+    PreparedInsert(QSqlDatabase& db, const QString& table, const QStringList& columns);
+    qint64 Insert(const QVariantList& values);
+
+private:
+    QSqlQuery query_;
+    QString sql_;
+};
 
 // One transaction: commits when Commit() is called, rolls back otherwise.
 class Transaction {

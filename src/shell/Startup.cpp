@@ -3,6 +3,7 @@
 #include "data/Databases.h"
 #include "exercise/LibraryCache.h"
 #include "program/ClinicStore.h"
+#include "program/ProgramStore.h"
 #include "shell/AppFolder.h"
 #include "shell/AppState.h"
 #include "shell/Options.h"
@@ -65,8 +66,8 @@ bool RunStartup(AppState& state, Shell& shell, const ISettingsStore& store, ISta
     return true;
 }
 
-void RunUnload(AppState& state, ISettingsStore& store) {
-    // A modified program is offered for saving here once the program store exists.
+void RunUnload(AppState& state, ISettingsStore& store, ProgramStore& programs) {
+    programs.SaveProgram(true);
     CloseDatabases(state);
     SaveOptions(state, store);
 }

@@ -8,6 +8,7 @@ struct AppState;
 class Shell;
 class ISettingsStore;
 class Prompter;
+class ProgramStore;
 
 // What the start-up needs from the windowing side.
 class IStartupHost {
@@ -39,8 +40,9 @@ inline const QString kPreviousDatabaseText =
 bool RunStartup(AppState& state, Shell& shell, const ISettingsStore& store, IStartupHost& host,
                 Prompter& prompter);
 
-// The end of a run, in the unload of the main window: the databases are closed and then
-// the options are written (only here).
-void RunUnload(AppState& state, ISettingsStore& store);
+// The end of a run, in the unload of the main window: a modified program is offered for
+// saving, the databases are closed and then the options are written (only here). There
+// is no way to cancel it.
+void RunUnload(AppState& state, ISettingsStore& store, ProgramStore& programs);
 
 } // namespace tarvex

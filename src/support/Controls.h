@@ -33,6 +33,8 @@ public:
     virtual QString Text(int row, int column) const = 0;
     virtual int SelectedRow() const = 0; // -1 when none
     virtual void SetSelectedRow(int row) = 0;
+    // Sorts the rows by the text of a column, ascending, as a click on its header does.
+    virtual void SortByColumn(int column) = 0;
 };
 
 // A combo box. SetText returns false when the box holds a fixed list and the text is

@@ -32,6 +32,12 @@ QString ShortDate(const QDateTime& date) {
     return QLocale().toString(date.date(), ShortDateFormat());
 }
 
+QString DefaultDateText(const QDateTime& date) {
+    if (date.time() == QTime(0, 0))
+        return ShortDate(date);
+    return ShortDate(date) + u' ' + date.time().toString(QStringLiteral("HH:mm:ss"));
+}
+
 QString DateToStorage(const QDateTime& date) {
     return date.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }

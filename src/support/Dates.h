@@ -28,6 +28,9 @@ QDateTime CDate(const QString& text);
 QString ShortDateFormat();
 QString ShortDate(const QDateTime& date);
 
+// The default text form of a date: the short date, and the time when it is not midnight.
+QString DefaultDateText(const QDateTime& date);
+
 // The form in which dates are stored in the databases.
 QString DateToStorage(const QDateTime& date);
 

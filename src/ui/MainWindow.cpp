@@ -3,7 +3,9 @@
 #include "shell/AppState.h"
 #include "shell/SingleInstance.h"
 #include "ui/ClinicDialog.h"
+#include "ui/PatientDialogs.h"
 #include "ui/PreferencesDialog.h"
+#include "ui/ProgramListDialog.h"
 #include "ui/SplashDialog.h"
 
 #include <QAction>
@@ -54,6 +56,7 @@ MainWindow::MainWindow(AppState& state, ISettingsStore& store, SingleInstanceLoc
     BuildStatusBar();
     IPrintDialog& printDialog = *this;
     shell_ = std::make_unique<Shell>(state_, toolbar_, menu_, status_, title_, printDialog);
+    programs_ = std::make_unique<ProgramStore>(state_, *shell_, prompter_);
     resize(1024, 720);
 }
 
@@ -155,14 +158,16 @@ bool MainWindow::Start() {
 
 void MainWindow::OnToolbar(const QString& key) {
     const QHash<QString, QString> later = {
-        {"Patient", "Choosing a patient"},
         {"Exercises", "The selection workspace"},
         {"Video", "Ordering a video tape"},
         {"Preview", "The print preview"},
         {"Print", "Printing"},
-        {"Programs", "The stored programs list"},
         {"Help", "Help"},
     };
+    if (key == QLatin1String("Patient"))
+        return OpenSelectPatient();
+    if (key == QLatin1String("Programs"))
+        return OpenProgramList();
     if (key == QLatin1String("Print"))
         state_.SkipPrintDialog = true;
     NotYetAvailable(later.value(key));
@@ -185,6 +190,25 @@ void MainWindow::OpenClinic() {
     dialog->show();
 }
 
+void MainWindow::OpenSelectPatient() {
+    auto* dialog = new SelectPatientDialog(
+        state_, *shell_, prompter_, [this] { OpenEditPatient(); }, this);
+    PlaceDialog(dialog);
+    dialog->show();
+}
+
+void MainWindow::OpenEditPatient() {
+    auto* dialog = new EditPatientDialog(state_, *shell_, this);
+    PlaceDialog(dialog);
+    dialog->show();
+}
+
+void MainWindow::OpenProgramList() {
+    auto* dialog = new ProgramListDialog(state_, *shell_, prompter_, *programs_, this);
+    PlaceDialog(dialog);
+    dialog->show();
+}
+
 void MainWindow::PlaceDialog(QWidget* dialog) const {
     dialog->adjustSize();
     const QPoint offset = CenterForm(dialog->frameGeometry().size(), true, mdi_->width(), QSize());
@@ -194,7 +218,7 @@ void MainWindow::PlaceDialog(QWidget* dialog) const {
 void MainWindow::closeEvent(QCloseEvent* event) {
     if (started_ && !unloaded_) {
         unloaded_ = true;
-        RunUnload(state_, store_);
+        RunUnload(state_, store_, *programs_);
     }
     event->accept();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "program/ProgramStore.h"
 #include "shell/Shell.h"
 #include "shell/Startup.h"
 #include "ui/QtControls.h"
@@ -32,6 +33,7 @@ public:
     QtCommands& ToolbarCommands() { return toolbar_; }
     QtCommands& MenuCommands() { return menu_; }
     QtStatusPanels& StatusPanels() { return status_; }
+    ProgramStore& Programs() { return *programs_; }
 
     // Places a dialog of the main window as every form is placed when it opens.
     void PlaceDialog(QWidget* dialog) const;
@@ -56,6 +58,9 @@ private:
     QAction* AddMenuEntry(QMenu* menu, const QString& key, const QString& caption);
     void OnToolbar(const QString& key);
     void OpenPreferences();
+    void OpenSelectPatient();
+    void OpenEditPatient();
+    void OpenProgramList();
     void OpenClinic();
     void NotYetAvailable(const QString& what);
 
@@ -73,6 +78,7 @@ private:
     QtPrompter prompter_;
     QPrinter printer_;
     std::unique_ptr<Shell> shell_;
+    std::unique_ptr<ProgramStore> programs_;
 };
 
 } // namespace tarvex

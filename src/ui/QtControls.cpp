@@ -29,6 +29,16 @@ bool QtCommands::IsEnabled(const QString& key) const {
     return action && action->isEnabled();
 }
 
+void QtButtons::SetEnabled(const QString& key, bool enabled) {
+    if (QAbstractButton* button = buttons_.value(key))
+        button->setEnabled(enabled);
+}
+
+bool QtButtons::IsEnabled(const QString& key) const {
+    const QAbstractButton* button = buttons_.value(key);
+    return button && button->isEnabled();
+}
+
 void QtStatusPanels::SetPanelText(int panel, const QString& text) {
     if (panel >= 0 && panel < panels_.size() && panels_[panel])
         panels_[panel]->setText(text);
@@ -201,7 +211,13 @@ int QtReportList::SelectedRow() const {
     return item ? tree_->indexOfTopLevelItem(item) : -1;
 }
 void QtReportList::SetSelectedRow(int row) {
-    tree_->setCurrentItem(tree_->topLevelItem(row));
+    QTreeWidgetItem* item = tree_->topLevelItem(row);
+    tree_->setCurrentItem(item);
+    if (!item)
+        tree_->clearSelection();
+}
+void QtReportList::SortByColumn(int column) {
+    tree_->sortItems(column, Qt::AscendingOrder);
 }
 
 // --- tree

@@ -11,6 +11,7 @@
 #include <QHash>
 #include <QPointer>
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
@@ -32,6 +33,17 @@ public:
 
 private:
     QHash<QString, QPointer<QAction>> actions_;
+};
+
+// Commands by key over push buttons (a dialog's buttons, keyed by their tag).
+class QtButtons : public ICommands {
+public:
+    void Add(const QString& key, QAbstractButton* button) { buttons_.insert(key, button); }
+    void SetEnabled(const QString& key, bool enabled) override;
+    bool IsEnabled(const QString& key) const override;
+
+private:
+    QHash<QString, QPointer<QAbstractButton>> buttons_;
 };
 
 // A status bar of label panels.
@@ -146,6 +158,7 @@ public:
     QString Text(int row, int column) const override;
     int SelectedRow() const override;
     void SetSelectedRow(int row) override;
+    void SortByColumn(int column) override;
 
 private:
     QPointer<QTreeWidget> tree_;

@@ -13,6 +13,7 @@
 #include <QHash>
 #include <QMap>
 #include <QStringList>
+#include <algorithm>
 #include <deque>
 #include <stdexcept>
 #include <vector>
@@ -167,6 +168,12 @@ public:
     QString Text(int r, int c) const override { return rows.at(r).second.value(c); }
     int SelectedRow() const override { return selectedRow; }
     void SetSelectedRow(int r) override { selectedRow = r; }
+    void SortByColumn(int c) override {
+        std::stable_sort(rows.begin(), rows.end(), [c](const auto& a, const auto& b) {
+            return a.second.value(c).compare(b.second.value(c), Qt::CaseInsensitive) < 0;
+        });
+        selectedRow = -1;
+    }
     std::vector<std::pair<QString, QStringList>> rows;
     int selectedRow = -1;
 };

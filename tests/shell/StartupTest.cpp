@@ -1,6 +1,7 @@
 #include "shell/Startup.h"
 #include "fakes/FakeControls.h"
 #include "fakes/FakeSettingsStore.h"
+#include "program/ProgramStore.h"
 #include "shell/AppFolder.h"
 #include "shell/ShellHarness.h"
 #include "shell/SingleInstance.h"
@@ -142,7 +143,8 @@ TEST(Unload, ClosesTheDatabasesThenWritesTheOptions) {
     ASSERT_TRUE(run.Start());
     run.store.writes.clear();
     run.state.Prefs.ShowTips = true;
-    RunUnload(run.state, run.store);
+    ProgramStore programs(run.state, run.shell.shell, run.prompter);
+    RunUnload(run.state, run.store, programs);
     EXPECT_FALSE(run.state.Dbs.IsOpen());
     EXPECT_EQ(run.store.writes.size(), 7);
     EXPECT_EQ(run.store.values["Options/ShowTips"], "True");

@@ -1,0 +1,146 @@
+#include "ui/PatientDialogs.h"
+
+#include <QCloseEvent>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace tarvex {
+
+QPushButton* AddTaggedButton(QWidget* parent, QtButtons& buttons, const QString& tag,
+                             const QString& tip) {
+    auto* button = new QPushButton(tag, parent);
+    button->setObjectName(QStringLiteral("cmd") + tag);
+    button->setProperty("tag", tag);
+    if (!tip.isEmpty())
+        button->setToolTip(tip);
+    button->setAutoDefault(false);
+    buttons.Add(tag, button);
+    return button;
+}
+
+SelectPatientDialog::SelectPatientDialog(AppState& state, Shell& shell, Prompter& prompter,
+                                         std::function<void()> openEditor, QWidget* parent)
+    : QDialog(parent), lstPatients(new QTreeWidget(this)), list_(lstPatients),
+      openEditor_(std::move(openEditor)) {
+    setObjectName(QStringLiteral("frmSelectPatient"));
+    setWindowTitle(QStringLiteral("Select a Patient"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    lstPatients->setObjectName(QStringLiteral("lstPatients"));
+    lstPatients->setHeaderLabels({QStringLiteral("Name"), QStringLiteral("ID")});
+    lstPatients->setRootIsDecorated(false);
+    lstPatients->setUniformRowHeights(true);
+    lstPatients->setAlternatingRowColors(true);
+    lstPatients->header()->setSectionsClickable(true);
+    lstPatients->setColumnWidth(0, 260);
+    lstPatients->installEventFilter(this);
+
+    auto* column = new QVBoxLayout;
+    for (const char* tag : {"OK", "Cancel", "New", "Edit", "Delete"}) {
+        QPushButton* button = AddTaggedButton(this, buttons_, QLatin1String(tag));
+        connect(button, &QPushButton::clicked, this, [this, tag] { Run(QLatin1String(tag)); });
+        column->addWidget(button);
+    }
+    column->addStretch();
+    auto* layout = new QHBoxLayout(this);
+    layout->addWidget(lstPatients, 1);
+    layout->addLayout(column);
+    resize(520, 380);
+
+    IPatientDialogHost& host = *this;
+    logic_ = std::make_unique<SelectPatientLogic>(state, shell, prompter, list_, buttons_, host);
+    logic_->Load();
+    connect(lstPatients, &QTreeWidget::itemClicked, this, [this] { logic_->lstPatients_Click(); });
+    connect(lstPatients, &QTreeWidget::itemDoubleClicked, this,
+            [this] { Run(QStringLiteral("OK")); });
+    connect(lstPatients->header(), &QHeaderView::sectionClicked, this,
+            [this](int section) { logic_->lstPatients_ColumnClick(section); });
+}
+
+SelectPatientDialog::~SelectPatientDialog() = default;
+
+QPushButton* SelectPatientDialog::Button(const QString& tag) const {
+    return findChild<QPushButton*>(QStringLiteral("cmd") + tag);
+}
+
+bool SelectPatientDialog::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == lstPatients && event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space)
+        logic_->lstPatients_Click();
+    return QDialog::eventFilter(watched, event);
+}
+
+void SelectPatientDialog::Run(const QString& tag) {
+    logic_->cmdOKCancel(tag); // a fault ends here, and the dialog stays open
+    done_ = true;
+    close();
+}
+
+void SelectPatientDialog::ShowEditPatient() {
+    if (openEditor_)
+        openEditor_();
+}
+
+void SelectPatientDialog::closeEvent(QCloseEvent* event) {
+    // Closing the window by its frame counts as "Cancel", so the commands come back.
+    if (!done_) {
+        done_ = true;
+        logic_->cmdOKCancel(QStringLiteral("Cancel"));
+    }
+    QDialog::closeEvent(event);
+}
+
+EditPatientDialog::EditPatientDialog(AppState& state, Shell& shell, QWidget* parent)
+    : QDialog(parent), txtLastName(new QLineEdit(this)), txtFirstName(new QLineEdit(this)),
+      txtID(new QLineEdit(this)), last_(txtLastName), first_(txtFirstName), id_(txtID) {
+    setObjectName(QStringLiteral("frmEditPatient"));
+    setWindowTitle(QStringLiteral("Patient Information"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    txtLastName->setObjectName(QStringLiteral("txtLastName"));
+    txtFirstName->setObjectName(QStringLiteral("txtFirstName"));
+    txtID->setObjectName(QStringLiteral("txtID"));
+    txtLastName->setMaxLength(EditPatientLogic::kNameLimit);
+    txtFirstName->setMaxLength(EditPatientLogic::kNameLimit);
+    auto* form = new QFormLayout;
+    form->addRow(QStringLiteral("Last Name:"), txtLastName);
+    form->addRow(QStringLiteral("First Name:"), txtFirstName);
+    form->addRow(QStringLiteral("ID:"), txtID);
+    QtButtons buttons;
+    cmdOK = AddTaggedButton(this, buttons, QStringLiteral("OK"));
+    cmdCancel = AddTaggedButton(this, buttons, QStringLiteral("Cancel"));
+    cmdOK->setDefault(true);
+    auto* row = new QHBoxLayout;
+    row->addStretch();
+    row->addWidget(cmdOK);
+    row->addWidget(cmdCancel);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(form);
+    layout->addLayout(row);
+    setMinimumWidth(380);
+
+    logic_ = std::make_unique<EditPatientLogic>(state, shell, last_, first_, id_);
+    logic_->Load();
+    connect(cmdOK, &QPushButton::clicked, this, [this] { Run(QStringLiteral("OK")); });
+    connect(cmdCancel, &QPushButton::clicked, this, [this] { Run(QStringLiteral("Cancel")); });
+}
+
+EditPatientDialog::~EditPatientDialog() = default;
+
+void EditPatientDialog::Run(const QString& tag) {
+    logic_->cmdOKCancel(tag);
+    done_ = true;
+    close();
+}
+
+void EditPatientDialog::closeEvent(QCloseEvent* event) {
+    if (!done_) {
+        done_ = true;
+        logic_->cmdOKCancel(QStringLiteral("Cancel"));
+    }
+    QDialog::closeEvent(event);
+}
+
+} // namespace tarvex

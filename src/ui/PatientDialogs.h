@@ -1,0 +1,74 @@
+#pragma once
+
+#include "program/PatientLogic.h"
+#include "ui/QtControls.h"
+
+#include <QDialog>
+#include <functional>
+#include <memory>
+
+class QPushButton;
+class QTreeWidget;
+
+namespace tarvex {
+
+struct AppState;
+class Shell;
+class Prompter;
+
+// frmSelectPatient, "Select a Patient".
+class SelectPatientDialog : public QDialog, private IPatientDialogHost {
+    Q_OBJECT
+public:
+    // openEditor shows "Patient Information"; the main window places it.
+    SelectPatientDialog(AppState& state, Shell& shell, Prompter& prompter,
+                        std::function<void()> openEditor, QWidget* parent = nullptr);
+    ~SelectPatientDialog() override;
+
+    QTreeWidget* lstPatients;
+    QPushButton* Button(const QString& tag) const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void ShowEditPatient() override;
+    void Run(const QString& tag);
+
+    QtReportList list_;
+    QtButtons buttons_;
+    std::function<void()> openEditor_;
+    std::unique_ptr<SelectPatientLogic> logic_;
+    bool done_ = false;
+};
+
+// frmEditPatient, "Patient Information".
+class EditPatientDialog : public QDialog {
+    Q_OBJECT
+public:
+    EditPatientDialog(AppState& state, Shell& shell, QWidget* parent = nullptr);
+    ~EditPatientDialog() override;
+
+    QLineEdit* txtLastName;
+    QLineEdit* txtFirstName;
+    QLineEdit* txtID;
+    QPushButton* cmdOK;
+    QPushButton* cmdCancel;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void Run(const QString& tag);
+
+    QtLineEdit last_, first_, id_;
+    std::unique_ptr<EditPatientLogic> logic_;
+    bool done_ = false;
+};
+
+// Adds a row of tagged buttons to a dialog's layout and to its command set.
+QPushButton* AddTaggedButton(QWidget* parent, QtButtons& buttons, const QString& tag,
+                             const QString& tip = {});
+
+} // namespace tarvex
