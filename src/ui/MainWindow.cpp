@@ -210,7 +210,8 @@ void MainWindow::OpenProgramList() {
 }
 
 void MainWindow::PlaceDialog(QWidget* dialog) const {
-    dialog->adjustSize();
+    if (!dialog->testAttribute(Qt::WA_Resized))
+        dialog->adjustSize();
     const QPoint offset = CenterForm(dialog->frameGeometry().size(), true, mdi_->width(), QSize());
     dialog->move(mdi_->mapToGlobal(offset));
 }

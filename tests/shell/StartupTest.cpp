@@ -1,4 +1,5 @@
 #include "shell/Startup.h"
+#include "data/Sql.h"
 #include "fakes/FakeControls.h"
 #include "fakes/FakeSettingsStore.h"
 #include "program/ProgramStore.h"
@@ -184,4 +185,49 @@ TEST(PrepareAppFolder, SaysWhatIsMissing) {
     QTemporaryDir dir;
     const QString problem = PrepareAppFolder(dir.filePath("app"), dir.filePath("no-templates"));
     EXPECT_TRUE(problem.contains("Tarvex.MDB"));
+}
+
+TEST(Unload, AModifiedProgramAnsweredNoIsLostAndTheRunStillEnds) {
+    QTemporaryDir dir;
+    StartupRun run(dir.path());
+    ASSERT_TRUE(run.Start());
+    ProgramStore programs(run.state, run.shell.shell, run.prompter);
+    run.state.Program.PatientID = static_cast<int32_t>(
+        InsertRow(run.state.Dbs.ProgramDb, "Patient", {{"LastName", "Ng"}, {"FullName", "Ng,"}}));
+    run.state.Program.IsNew = true;
+    run.state.Program.Modified = true;
+    run.prompter.answers = {Answer::No};
+    run.store.writes.clear();
+    RunUnload(run.state, run.store, programs);
+    ASSERT_EQ(run.prompter.boxes.size(), 1u);
+    EXPECT_EQ(run.prompter.boxes[0].title, "Exercise Program Modified");
+    EXPECT_FALSE(run.state.Dbs.IsOpen());
+    EXPECT_EQ(run.store.writes.size(), 7); // the options are written all the same
+    int programsStored = -1;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "unload-check");
+        db.setDatabaseName(QDir(dir.path()).filePath("Tarvex.MDB"));
+        ASSERT_TRUE(db.open());
+        QSqlQuery q(db);
+        ASSERT_TRUE(q.exec("SELECT COUNT(*) FROM Invoice") && q.next());
+        programsStored = q.value(0).toInt();
+    }
+    QSqlDatabase::removeDatabase("unload-check");
+    EXPECT_EQ(programsStored, 0);
+}
+
+TEST(Unload, AModifiedProgramAnsweredYesIsSaved) {
+    QTemporaryDir dir;
+    StartupRun run(dir.path());
+    ASSERT_TRUE(run.Start());
+    ProgramStore programs(run.state, run.shell.shell, run.prompter);
+    run.state.Program.PatientID = static_cast<int32_t>(
+        InsertRow(run.state.Dbs.ProgramDb, "Patient", {{"LastName", "Ng"}, {"FullName", "Ng,"}}));
+    run.state.Program.IsNew = true;
+    run.state.Program.Modified = true;
+    run.state.Program.Provider = "Mark Lee, PTA";
+    run.prompter.answers = {Answer::Yes};
+    RunUnload(run.state, run.store, programs);
+    EXPECT_FALSE(run.state.Dbs.IsOpen());
+    EXPECT_EQ(run.store.values["Options/Provider"], "Mark Lee, PTA");
 }
