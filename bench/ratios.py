@@ -2,8 +2,18 @@
 import json
 import sys
 
-FLOORS = {"BM_LoadLibraryCache": "BM_BareLibraryRead"}
-TARGETS = {"BM_LoadLibraryCache": "within 2x of the floor", "BM_Startup/32767": "under 500 ms"}
+FLOORS = {
+    "BM_LoadLibraryCache": "BM_BareLibraryRead",
+    "BM_SaveProgram": "BM_SaveProgramFloor",
+    "BM_LoadProgram": "BM_LoadProgramFloor",
+}
+TARGETS = {
+    "BM_LoadLibraryCache": "within 2x of the floor",
+    "BM_Startup/32767": "under 500 ms",
+    "BM_SaveProgram": "within 2x of the floor, under 20 ms",
+    "BM_LoadProgram": "within 2x of the floor, under 20 ms",
+    "BM_FillPatientList": "under 200 ms",
+}
 
 with open(sys.argv[1]) as f:
     runs = json.load(f)["benchmarks"]
@@ -15,9 +25,9 @@ medians = {name_of(r): r["real_time"] for r in runs if r.get("aggregate_name") =
 unit = {name_of(r): r["time_unit"] for r in runs}
 for name, ms in sorted(medians.items()):
     line = f"{name:32s} median {ms:9.2f} {unit[name]}"
-    base, _, arg = name.partition("/")
+    base, sep, arg = name.partition("/")
     if base in FLOORS:
-        floor = medians.get(f"{FLOORS[base]}/{arg}")
+        floor = medians.get(FLOORS[base] + sep + arg)
         if floor:
             line += f"   ratio to floor {ms / floor:5.2f}"
     target = TARGETS.get(name) or TARGETS.get(base)

@@ -42,10 +42,39 @@ QString DateToStorage(const QDateTime& date) {
     return date.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
+namespace {
+
+// The stored form "yyyy-MM-dd HH:mm:ss" (or with "T"), read without the general parser,
+// since every stored date passes through here.
+std::optional<QDateTime> ParseStoredForm(const QString& t) {
+    if (t.size() != 19 || t[4] != u'-' || t[7] != u'-' || (t[10] != u' ' && t[10] != u'T') ||
+        t[13] != u':' || t[16] != u':')
+        return std::nullopt;
+    const auto number = [&t](int from, int length) {
+        int value = 0;
+        for (int i = from; i < from + length; ++i) {
+            const char16_t c = t[i].unicode();
+            if (c < u'0' || c > u'9')
+                return -1;
+            value = value * 10 + (c - u'0');
+        }
+        return value;
+    };
+    const QDate date(number(0, 4), number(5, 2), number(8, 2));
+    const QTime time(number(11, 2), number(14, 2), number(17, 2));
+    if (!date.isValid() || !time.isValid())
+        return std::nullopt;
+    return QDateTime(date, time);
+}
+
+} // namespace
+
 std::optional<QDateTime> ParseDate(const QString& text) {
     const QString t = text.trimmed();
     if (t.isEmpty())
         return std::nullopt;
+    if (auto stored = ParseStoredForm(t))
+        return stored;
     for (const char* format : {"yyyy-MM-dd HH:mm:ss", "yyyy-MM-ddTHH:mm:ss",
                                "yyyy-MM-ddTHH:mm:ss.zzz", "yyyy-MM-dd HH:mm:ss.zzz"}) {
         const QDateTime dt = QDateTime::fromString(t, QLatin1String(format));
