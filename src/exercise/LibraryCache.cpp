@@ -24,6 +24,7 @@ void LoadLibraryCache(AppState& state) {
     cache.NumChoices = 0;
     cache.Entries.clear();
     cache.CurrentChoice = 0;
+    state.DragMode = 0;
     const int count = state.Dbs.Library.RecordCount();
     if (count == 0)
         throw DatabaseFault(QStringLiteral("No current record: the exercise library is empty."));

@@ -49,6 +49,11 @@ struct AppState {
 
     int WorkspaceMode = 0;
     bool SkipPrintDialog = false;
+
+    // The selection workspace and its parameter dialog.
+    int DragMode = 0;          // 0 "Insert (def)", 1 "Replace"; back to 0 with each library load
+    int ParamsFromLibrary = 0; // 1: CurrentChoice indexes the library; 0: a slot of the program
+    ExerciseEntry TmpExercise; // holding place for moves and for the dialog's result
 };
 
 // The order telephone numbers, fixed at start.

@@ -73,8 +73,10 @@ TEST(SelectPatient, OkMakesTheSelectedPatientCurrent) {
     d.select.Load();
     h.Program().InvoiceID = 5;
     h.Program().IsNew = false;
+    h.Program().NumExercises = 3; // the program in memory stays: no load happens here
     d.list.SetSelectedRow(1);
     d.select.cmdOKCancel("OK");
+    EXPECT_EQ(h.Program().NumExercises, 3);
     EXPECT_EQ(*h.Program().PatientID, baker);
     EXPECT_EQ(h.Program().FullName, "Baker, Bo");
     EXPECT_FALSE(h.Program().InvoiceID.has_value());
