@@ -1,5 +1,7 @@
 // Builds the delivered files from the source data of content/: the three databases
-// ("Tarvex.MDB", "Exercise Library.MDB", "Picklist.MDB") and the two texts.
+// ("Tarvex.MDB", "Exercise Library.MDB", "Picklist.MDB"), the two texts, and the two
+// companions the database upgrade reads: "Video.MDB" (the video data of every library
+// exercise) and "TVX Exercise Library.MDB" (the library as the 3.6 release delivered it).
 //
 //   make_templates --content DIR --out DIR
 
@@ -16,6 +18,11 @@
 using namespace tarvex;
 
 namespace {
+
+// The companion files of the upgrade, and the version the older library carries.
+constexpr const char* kVideoDbFile = "Video.MDB";
+constexpr const char* kOldLibraryDbFile = "TVX Exercise Library.MDB";
+constexpr const char* kOldLibraryVersion = "3.6";
 
 struct Failure {
     QString message;
@@ -71,7 +78,7 @@ QVariant MediaName(bool present, const QString& name) {
     return present ? QVariant(name) : QVariant(QString());
 }
 
-void FillLibrary(QSqlDatabase& db, const QList<QStringList>& rows) {
+void FillLibrary(QSqlDatabase& db, const QList<QStringList>& rows, const QString& version) {
     CreateLibrarySchema(db);
     Transaction transaction(db);
     for (const QStringList& f : rows) {
@@ -110,7 +117,23 @@ void FillLibrary(QSqlDatabase& db, const QList<QStringList>& rows) {
                    {"VideoSets", f[16].toInt()}});
     }
     transaction.Commit();
-    WriteVersion(db, QLatin1String(kCurrentDatabaseVersion));
+    WriteVersion(db, version);
+}
+
+// The table Video: one row per library exercise with its video columns.
+void FillVideo(QSqlDatabase& db, const QList<QStringList>& rows) {
+    Execute(db, QStringLiteral("CREATE TABLE Video (ExerciseID INTEGER PRIMARY KEY,"
+                               "HasVideo BOOLEAN,VideoReps INTEGER,VideoHold INTEGER,"
+                               "VideoSets INTEGER)"));
+    Transaction transaction(db);
+    for (const QStringList& f : rows)
+        InsertRow(db, QStringLiteral("Video"),
+                  {{"ExerciseID", f[0].toInt()},
+                   {"HasVideo", f[13] == QLatin1String("1") ? 1 : 0},
+                   {"VideoReps", f[14].toInt()},
+                   {"VideoHold", f[15].toInt()},
+                   {"VideoSets", f[16].toInt()}});
+    transaction.Commit();
 }
 
 void FillPicklists(QSqlDatabase& db, const QList<QStringList>& rows) {
@@ -149,14 +172,20 @@ int main(int argc, char** argv) {
             throw Failure{QStringLiteral("cannot create %1").arg(out.path())};
         const auto library = ReadTable(content.filePath(QStringLiteral("library.tsv")), 17);
         const auto picklists = ReadTable(content.filePath(QStringLiteral("picklists.tsv")), 2);
-        MakeDatabase(out.filePath(QLatin1String(kLibraryDbFile)),
-                     [&](QSqlDatabase& db) { FillLibrary(db, library); });
+        MakeDatabase(out.filePath(QLatin1String(kLibraryDbFile)), [&](QSqlDatabase& db) {
+            FillLibrary(db, library, QLatin1String(kCurrentDatabaseVersion));
+        });
         MakeDatabase(out.filePath(QLatin1String(kProgramDbFile)), [](QSqlDatabase& db) {
             CreateProgramSchema(db);
             WriteVersion(db, QLatin1String(kCurrentDatabaseVersion));
         });
         MakeDatabase(out.filePath(QLatin1String(kPicklistDbFile)),
                      [&](QSqlDatabase& db) { FillPicklists(db, picklists); });
+        MakeDatabase(out.filePath(QLatin1String(kVideoDbFile)),
+                     [&](QSqlDatabase& db) { FillVideo(db, library); });
+        MakeDatabase(out.filePath(QLatin1String(kOldLibraryDbFile)), [&](QSqlDatabase& db) {
+            FillLibrary(db, library, QLatin1String(kOldLibraryVersion));
+        });
         CopyText(content.filePath(QStringLiteral("cover.txt")),
                  out.filePath(QStringLiteral("cover.txt")));
         CopyText(content.filePath(QStringLiteral("TIPOFDAY.TXT")),

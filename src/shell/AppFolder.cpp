@@ -51,10 +51,39 @@ QString TemplatesFolder(const AppState& state) {
 }
 
 QStringList DeliveredFileNames() {
-    return {QLatin1String(kProgramDbFile), QLatin1String(kLibraryDbFile),
-            QLatin1String(kPicklistDbFile), QStringLiteral("cover.txt"),
-            QStringLiteral("TIPOFDAY.TXT")};
+    return {QLatin1String(kProgramDbFile),
+            QLatin1String(kLibraryDbFile),
+            QLatin1String(kPicklistDbFile),
+            QStringLiteral("cover.txt"),
+            QStringLiteral("TIPOFDAY.TXT"),
+            QStringLiteral("Video.MDB"),
+            QStringLiteral("TVX Exercise Library.MDB")};
 }
+
+namespace {
+
+// The icons lie beside the program's data, as they always did: a first start copies the
+// delivered ones in. A folder that is already there is left as it is.
+QString CopyIcons(const QString& appFolder, const QString& templatesFolder) {
+    const QDir delivered(FindFileNoCase(QDir(templatesFolder).filePath(QStringLiteral("..")),
+                                        QStringLiteral("ICON")));
+    const QString target = FindFileNoCase(appFolder, QStringLiteral("ICON"));
+    if (!delivered.exists() || QFileInfo::exists(target))
+        return QString();
+    const QString partial = QDir(appFolder).filePath(QStringLiteral("ICON.partial"));
+    QDir(partial).removeRecursively();
+    if (!QDir().mkpath(partial))
+        return QStringLiteral("The icon folder cannot be created in %1.").arg(appFolder);
+    for (const QString& name : delivered.entryList(QDir::Files)) {
+        if (!QFile::copy(delivered.filePath(name), QDir(partial).filePath(name)))
+            return QStringLiteral("The icon %1 cannot be copied into %2.").arg(name, appFolder);
+    }
+    if (!QDir().rename(partial, QDir(appFolder).filePath(QStringLiteral("ICON"))))
+        return QStringLiteral("The icon folder cannot be made in %1.").arg(appFolder);
+    return QString();
+}
+
+} // namespace
 
 QString PrepareAppFolder(const QString& appFolder, const QString& templatesFolder) {
     if (!QDir().mkpath(appFolder))
@@ -77,7 +106,7 @@ QString PrepareAppFolder(const QString& appFolder, const QString& templatesFolde
         QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup |
                                           QFile::ReadOther);
     }
-    return QString();
+    return CopyIcons(appFolder, templatesFolder);
 }
 
 } // namespace tarvex

@@ -1,5 +1,6 @@
 #include "shell/Startup.h"
 #include "data/Sql.h"
+#include "exercise/LibraryCache.h"
 #include "fakes/FakeControls.h"
 #include "fakes/FakeSettingsStore.h"
 #include "program/ProgramStore.h"
@@ -26,6 +27,7 @@ struct StartupRun {
         state.AppFolder = appFolder;
         state.DeliveredFolder = tarvex::testing::DeliveredFolder();
         store.values["Options/ShowTips"] = "False";
+        host.onWorkspace = [this] { LoadLibraryCache(state); };
     }
     ~StartupRun() { CloseDatabases(state); }
     bool Start() { return RunStartup(state, shell.shell, store, host, prompter); }
@@ -66,9 +68,9 @@ TEST(Startup, RunsItsStepsInOrder) {
     QTemporaryDir dir;
     StartupRun run(dir.path());
     run.store.values["Options/ShowTips"] = "True";
+    run.store.values["Options/Picture"] = dir.filePath("no-pictures") + "/";
     ASSERT_TRUE(run.Start());
-    // The delivered media are not built here, so the picture check fails and the media
-    // window is offered.
+    // The picture folder holds no pictures, so the media window is offered.
     EXPECT_EQ(run.host.calls,
               QStringList({"instance", "splash", "main", "workspace", "tip", "checkmedia"}));
 }
