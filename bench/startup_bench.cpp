@@ -93,6 +93,7 @@ void BM_Startup(benchmark::State& s) {
         fakes::FakeSettingsStore store;
         store.values["Options/ShowTips"] = "False";
         fakes::FakeStartupHost host;
+        host.onWorkspace = [&state] { LoadLibraryCache(state); };
         fakes::ScriptedPrompter prompter;
         if (!RunStartup(state, shell.shell, store, host, prompter))
             s.SkipWithError("start-up ended");

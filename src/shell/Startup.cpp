@@ -1,7 +1,6 @@
 #include "shell/Startup.h"
 
 #include "data/Databases.h"
-#include "exercise/LibraryCache.h"
 #include "program/ClinicStore.h"
 #include "program/ProgramStore.h"
 #include "shell/AppFolder.h"
@@ -49,7 +48,6 @@ bool RunStartup(AppState& state, Shell& shell, const ISettingsStore& store, ISta
     state.WorkspaceMode = 0;
     // The selection workspace is built once and kept hidden; loading it builds the
     // library cache.
-    LoadLibraryCache(state);
     host.LoadSelectionWorkspace();
 
     if (state.Prefs.ShowTips)

@@ -21,6 +21,7 @@ public:
     // The main window, at left 1, top 1.
     virtual void ShowMainWindow() = 0;
     // Creates the selection workspace, shows and hides it; it stays loaded for the run.
+    // Its load reads the library into the cache.
     virtual void LoadSelectionWorkspace() = 0;
     // The tip window, modal.
     virtual void ShowTip() = 0;

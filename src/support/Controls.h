@@ -9,7 +9,14 @@
 
 namespace tarvex {
 
-// A plain list box.
+// The order of a list or tree that sorts itself: by text, without regard to case, so that
+// "(All)" comes ahead of letters and digits.
+inline bool SortsBefore(const QString& a, const QString& b) {
+    return a.compare(b, Qt::CaseInsensitive) < 0;
+}
+
+// A plain list box. A change made through the interface raises no click: where a change
+// made in code would have counted as a click, the logic runs its click handler itself.
 class IListBox {
 public:
     virtual ~IListBox() = default;
@@ -67,6 +74,8 @@ public:
     virtual QString ParentKey(const QString& key) const = 0; // empty for a root
     virtual QStringList ChildKeys(const QString& key) const = 0;
     virtual QString SelectedKey() const = 0;
+    // From now on the children of the node keep themselves in SortsBefore order by text.
+    virtual void SetChildrenSorted(const QString& /*key*/) {}
 };
 
 // Commands addressed by key: the toolbar's buttons or the menu's entries.

@@ -7,6 +7,7 @@
 #include "ui/PreferencesDialog.h"
 #include "ui/ProgramListDialog.h"
 #include "ui/SplashDialog.h"
+#include "ui/WorkspaceWindow.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -168,6 +169,10 @@ void MainWindow::OnToolbar(const QString& key) {
         return OpenSelectPatient();
     if (key == QLatin1String("Programs"))
         return OpenProgramList();
+    if (key == QLatin1String("Exercises") && workspace_) {
+        PlaceDialog(workspace_);
+        return workspace_->StartProgramVisit();
+    }
     if (key == QLatin1String("Print"))
         state_.SkipPrintDialog = true;
     NotYetAvailable(later.value(key));
@@ -244,8 +249,10 @@ void MainWindow::ShowMainWindow() {
 }
 
 void MainWindow::LoadSelectionWorkspace() {
-    // The selection workspace window is not part of this release; the library cache it
-    // works on is loaded all the same.
+    workspace_ = new WorkspaceWindow(state_, *shell_, prompter_, *programs_, this);
+    workspace_->LoadOnce();
+    workspace_->show();
+    workspace_->hide();
 }
 
 void MainWindow::ShowTip() {

@@ -34,6 +34,9 @@ public:
     QtCommands& MenuCommands() { return menu_; }
     QtStatusPanels& StatusPanels() { return status_; }
     ProgramStore& Programs() { return *programs_; }
+    class WorkspaceWindow* Workspace() const {
+        return workspace_;
+    }
 
     // Places a dialog of the main window as every form is placed when it opens.
     void PlaceDialog(QWidget* dialog) const;
@@ -79,6 +82,7 @@ private:
     QPrinter printer_;
     std::unique_ptr<Shell> shell_;
     std::unique_ptr<ProgramStore> programs_;
+    class WorkspaceWindow* workspace_ = nullptr;
 };
 
 } // namespace tarvex

@@ -12,8 +12,10 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QTreeWidget>
 #include <QUrl>
+#include <algorithm>
 
 namespace tarvex {
 
@@ -164,10 +166,18 @@ bool QtEnableable::IsEnabled() const {
 // --- lists
 
 void QtListBox::Clear() {
+    const QSignalBlocker quiet(list_);
     list_->clear();
 }
 void QtListBox::AddItem(const QString& text) {
-    list_->addItem(text);
+    const QSignalBlocker quiet(list_);
+    int at = list_->count();
+    if (sorted_) {
+        at = 0;
+        while (at < list_->count() && !SortsBefore(text, list_->item(at)->text()))
+            ++at;
+    }
+    list_->insertItem(at, text);
 }
 int QtListBox::ListCount() const {
     return list_->count();
@@ -181,6 +191,7 @@ bool QtListBox::Selected(int index) const {
     return item && item->isSelected();
 }
 void QtListBox::SetSelected(int index, bool selected) {
+    const QSignalBlocker quiet(list_);
     if (QListWidgetItem* item = list_->item(index))
         item->setSelected(selected);
 }
@@ -234,9 +245,32 @@ void QtTree::Clear() {
 }
 void QtTree::AddNode(const QString& parentKey, const QString& key, const QString& text) {
     QTreeWidgetItem* parent = parentKey.isEmpty() ? nullptr : Find(parentKey);
+    if (parent && sortedParents_.contains(parentKey)) {
+        auto* item = new QTreeWidgetItem();
+        item->setText(0, text);
+        item->setData(0, Qt::UserRole, key);
+        int at = 0;
+        while (at < parent->childCount() && !SortsBefore(text, parent->child(at)->text(0)))
+            ++at;
+        parent->insertChild(at, item);
+        return;
+    }
     auto* item = parent ? new QTreeWidgetItem(parent) : new QTreeWidgetItem(tree_);
     item->setText(0, text);
     item->setData(0, Qt::UserRole, key);
+}
+void QtTree::SetChildrenSorted(const QString& key) {
+    if (!sortedParents_.contains(key))
+        sortedParents_ << key;
+    QTreeWidgetItem* parent = Find(key);
+    if (!parent)
+        return;
+    QList<QTreeWidgetItem*> children = parent->takeChildren();
+    std::stable_sort(children.begin(), children.end(),
+                     [](const QTreeWidgetItem* a, const QTreeWidgetItem* b) {
+                         return SortsBefore(a->text(0), b->text(0));
+                     });
+    parent->addChildren(children);
 }
 void QtTree::RemoveNode(const QString& key) {
     delete Find(key);

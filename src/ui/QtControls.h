@@ -132,6 +132,10 @@ private:
     QPointer<QWidget> widget_;
 };
 
+// A list box over a list widget. Changes made through the adapter emit none of the
+// widget's signals, so a handler connected to itemSelectionChanged hears the user only.
+// A sorted list keeps its entries in SortsBefore order: AddItem inserts behind the
+// entries that sort equal.
 class QtListBox : public IListBox {
 public:
     explicit QtListBox(QListWidget* list) : list_(list) {}
@@ -142,9 +146,12 @@ public:
     bool Selected(int index) const override;
     void SetSelected(int index, bool selected) override;
     QString Tag() const override;
+    void SetSorted(bool sorted) { sorted_ = sorted; }
+    bool Sorted() const { return sorted_; }
 
 private:
     QPointer<QListWidget> list_;
+    bool sorted_ = false;
 };
 
 // A report list over a tree widget without children; the key lives in the item's data.
@@ -176,10 +183,12 @@ public:
     QString ParentKey(const QString& key) const override;
     QStringList ChildKeys(const QString& key) const override;
     QString SelectedKey() const override;
+    void SetChildrenSorted(const QString& key) override;
 
 private:
     QTreeWidgetItem* Find(const QString& key) const;
     QPointer<QTreeWidget> tree_;
+    QStringList sortedParents_;
 };
 
 // A picture box over a label; the picture is scaled to the label's size.

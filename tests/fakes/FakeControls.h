@@ -7,6 +7,7 @@
 #include "shell/Startup.h"
 #include "support/Controls.h"
 #include "support/Desktop.h"
+#include "support/Progress.h"
 #include "support/Prompter.h"
 
 #include <QFile>
@@ -15,6 +16,8 @@
 #include <QStringList>
 #include <algorithm>
 #include <deque>
+#include <functional>
+#include <initializer_list>
 #include <stdexcept>
 #include <vector>
 
@@ -131,16 +134,25 @@ private:
     }
 };
 
+// A list box; with sorted set it keeps its entries in SortsBefore order, as a list that
+// sorts itself does: AddItem then inserts behind the entries that sort equal.
 class FakeListBox : public IListBox {
 public:
-    explicit FakeListBox(QString tag = {}) : tag(tag) {}
+    explicit FakeListBox(QString tag = {}, bool sortedList = false)
+        : tag(tag), sorted(sortedList) {}
     void Clear() override {
         items.clear();
         selected.clear();
     }
     void AddItem(const QString& t) override {
-        items << t;
-        selected.push_back(false);
+        qsizetype at = items.size();
+        if (sorted) {
+            at = 0;
+            while (at < items.size() && !SortsBefore(t, items[at]))
+                ++at;
+        }
+        items.insert(at, t);
+        selected.insert(selected.begin() + at, false);
     }
     int ListCount() const override { return static_cast<int>(items.size()); }
     QString List(int i) const override { return items.value(i); }
@@ -152,9 +164,40 @@ public:
             selected[i] = s;
     }
     QString Tag() const override { return tag; }
+
+    // What the user does: selects exactly the given entries and raises the click.
+    void Click(std::initializer_list<int> rows) {
+        std::fill(selected.begin(), selected.end(), false);
+        for (int row : rows)
+            SetSelected(row, true);
+        if (onClick)
+            onClick();
+    }
+    // The same, naming the entries by their text; a text the list lacks is a test failure.
+    void ClickItems(const QStringList& texts) {
+        std::fill(selected.begin(), selected.end(), false);
+        for (const QString& text : texts) {
+            const qsizetype row = items.indexOf(text);
+            if (row < 0)
+                throw std::runtime_error("no entry " + text.toStdString());
+            selected[static_cast<size_t>(row)] = true;
+        }
+        if (onClick)
+            onClick();
+    }
+    QStringList SelectedItems() const {
+        QStringList on;
+        for (int i = 0; i < ListCount(); ++i)
+            if (Selected(i))
+                on << items[i];
+        return on;
+    }
+
     QStringList items;
     std::vector<bool> selected;
     QString tag;
+    bool sorted = false;
+    std::function<void()> onClick;
 };
 
 class FakeReportList : public IReportList {
@@ -208,15 +251,24 @@ public:
         for (const Node& n : nodes)
             if (n.parent == key && !key.isEmpty())
                 keys << n.key;
+        if (sortedParents.contains(key))
+            std::stable_sort(keys.begin(), keys.end(), [this](const QString& a, const QString& b) {
+                return SortsBefore(NodeText(a), NodeText(b));
+            });
         return keys;
     }
     QString SelectedKey() const override { return selectedKey; }
+    void SetChildrenSorted(const QString& key) override {
+        if (!sortedParents.contains(key))
+            sortedParents << key;
+    }
 
     struct Node {
         QString parent, key, text;
     };
     std::vector<Node> nodes;
     QString selectedKey;
+    QStringList sortedParents;
 
 private:
     int Find(const QString& key) const {
@@ -282,6 +334,60 @@ public:
     bool result = false;
 };
 
+// The progress window in memory: loaded on first use with the defaults of a fresh window,
+// forgotten on unload. calls records what happened to it, in order.
+class FakeProgressWindow : public IProgressWindow {
+public:
+    void SetCaption(const QString& c) override {
+        Load();
+        caption = c;
+        calls << "caption " + c;
+    }
+    QString Caption() const override { return loaded ? caption : QString(kProgressCaption); }
+    void Show() override {
+        Load();
+        visible = true;
+        calls << "show";
+    }
+    void SetMax(int m) override {
+        Load();
+        max = m;
+        calls << QStringLiteral("max %1").arg(m);
+    }
+    int Max() const override { return loaded ? max : 100; }
+    void SetValue(int v) override {
+        Load();
+        value = v;
+        calls << QStringLiteral("value %1").arg(v);
+    }
+    int Value() const override { return loaded ? value : 0; }
+    void Unload() override {
+        loaded = false;
+        visible = false;
+        calls << "unload";
+    }
+
+    bool loaded = false;
+    bool visible = false;
+    QString caption;
+    int max = 100;
+    int value = 0;
+    int loads = 0;
+    QStringList calls;
+
+private:
+    void Load() {
+        if (loaded)
+            return;
+        loaded = true;
+        ++loads;
+        caption = QString(kProgressCaption);
+        max = 100;
+        value = 0;
+        calls << "load";
+    }
+};
+
 // Records what start-up asked of the windowing side, in order.
 class FakeStartupHost : public IStartupHost {
 public:
@@ -291,11 +397,16 @@ public:
     }
     void ShowSplash() override { calls << "splash"; }
     void ShowMainWindow() override { calls << "main"; }
-    void LoadSelectionWorkspace() override { calls << "workspace"; }
+    void LoadSelectionWorkspace() override {
+        calls << "workspace";
+        if (onWorkspace)
+            onWorkspace();
+    }
     void ShowTip() override { calls << "tip"; }
     void ShowCheckMedia() override { calls << "checkmedia"; }
     bool anotherInstance = false;
     QStringList calls;
+    std::function<void()> onWorkspace; // what loading the workspace does, e.g. read the library
 };
 
 } // namespace tarvex::fakes
