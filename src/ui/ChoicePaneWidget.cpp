@@ -2,7 +2,6 @@
 
 #include "ui/PaneDrag.h"
 
-#include <QDrag>
 #include <QDragEnterEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -191,12 +190,7 @@ void ChoicePaneWidget::mouseMoveEvent(QMouseEvent* event) {
         // The drag begins with the first move of a pressed picture.
         const int source = pressed_;
         pressed_ = -1;
-        auto* drag = new QDrag(this);
-        drag->setMimeData(PaneDragData({DragKind::SrcIm, source}));
-        const QImage& image = cells_[static_cast<size_t>(source)].image;
-        if (!image.isNull())
-            drag->setPixmap(QPixmap::fromImage(image));
-        drag->exec(Qt::MoveAction);
+        StartPaneDrag(this, {DragKind::SrcIm, source}, cells_[static_cast<size_t>(source)].image);
         return;
     }
     const int i = CellAt(event->position().toPoint(), false);

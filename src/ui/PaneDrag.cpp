@@ -1,9 +1,12 @@
 #include "ui/PaneDrag.h"
 
 #include <QDir>
+#include <QDrag>
+#include <QWidget>
 #include <QFileInfo>
 #include <QImage>
 #include <QImageReader>
+#include <QPixmap>
 
 namespace tarvex {
 
@@ -29,6 +32,14 @@ DragSource PaneDragSource(const QMimeData* data) {
                                                           : DragKind::Other;
     source.index = parts[1].toInt();
     return source;
+}
+
+void StartPaneDrag(QWidget* from, DragSource source, const QImage& image) {
+    auto* drag = new QDrag(from);
+    drag->setMimeData(PaneDragData(source));
+    if (!image.isNull())
+        drag->setPixmap(QPixmap::fromImage(image));
+    drag->exec(Qt::MoveAction);
 }
 
 PictureLoad ReadPaneImage(const QString& path, QImage& image) {

@@ -4,6 +4,8 @@
 
 #include <QMimeData>
 
+class QWidget;
+
 namespace tarvex {
 
 // What a drag between the two panes carries: the kind of picture and its index.
@@ -11,6 +13,9 @@ inline constexpr const char* kPaneDragMime = "application/x-tarvex-pane-drag";
 
 QMimeData* PaneDragData(DragSource source);
 DragSource PaneDragSource(const QMimeData* data);
+
+// Starts the drag of a pane's picture from a widget, showing the picture under the pointer.
+void StartPaneDrag(QWidget* from, DragSource source, const QImage& image);
 
 // Reads a picture file as the panes do: a file that is not there is no error; a file
 // that cannot be read as a picture is.

@@ -2,7 +2,6 @@
 
 #include "ui/PaneDrag.h"
 
-#include <QDrag>
 #include <QDragEnterEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -146,12 +145,8 @@ void SlotPaneWidget::mouseMoveEvent(QMouseEvent* event) {
     if ((event->buttons() & Qt::LeftButton) && pressed_ >= 0) {
         const int source = pressed_;
         pressed_ = -1;
-        auto* drag = new QDrag(this);
-        drag->setMimeData(PaneDragData({DragKind::TargetIm, source}));
-        const QImage& image = slots_[static_cast<size_t>(source)].image;
-        if (!image.isNull())
-            drag->setPixmap(QPixmap::fromImage(image));
-        drag->exec(Qt::MoveAction);
+        StartPaneDrag(this, {DragKind::TargetIm, source},
+                      slots_[static_cast<size_t>(source)].image);
         return;
     }
     const int i = SlotAt(event->position().toPoint(), false);
