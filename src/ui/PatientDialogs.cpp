@@ -22,6 +22,28 @@ QPushButton* AddTaggedButton(QWidget* parent, QtButtons& buttons, const QString&
     return button;
 }
 
+void LayOutListWithButtons(QDialog* dialog, QTreeWidget* list, const QStringList& headers,
+                           int firstColumnWidth, QtButtons& buttons, const QStringList& tags,
+                           const std::function<void(const QString&)>& run) {
+    list->setObjectName(QStringLiteral("lstPatients"));
+    list->setHeaderLabels(headers);
+    list->setRootIsDecorated(false);
+    list->setUniformRowHeights(true);
+    list->setAlternatingRowColors(true);
+    list->header()->setSectionsClickable(true);
+    list->setColumnWidth(0, firstColumnWidth);
+    auto* column = new QVBoxLayout;
+    for (const QString& tag : tags) {
+        QPushButton* button = AddTaggedButton(dialog, buttons, tag);
+        QObject::connect(button, &QPushButton::clicked, dialog, [run, tag] { run(tag); });
+        column->addWidget(button);
+    }
+    column->addStretch();
+    auto* layout = new QHBoxLayout(dialog);
+    layout->addWidget(list, 1);
+    layout->addLayout(column);
+}
+
 SelectPatientDialog::SelectPatientDialog(AppState& state, Shell& shell, Prompter& prompter,
                                          std::function<void()> openEditor, QWidget* parent)
     : QDialog(parent), lstPatients(new QTreeWidget(this)), list_(lstPatients),
@@ -29,25 +51,10 @@ SelectPatientDialog::SelectPatientDialog(AppState& state, Shell& shell, Prompter
     setObjectName(QStringLiteral("frmSelectPatient"));
     setWindowTitle(QStringLiteral("Select a Patient"));
     setAttribute(Qt::WA_DeleteOnClose);
-    lstPatients->setObjectName(QStringLiteral("lstPatients"));
-    lstPatients->setHeaderLabels({QStringLiteral("Name"), QStringLiteral("ID")});
-    lstPatients->setRootIsDecorated(false);
-    lstPatients->setUniformRowHeights(true);
-    lstPatients->setAlternatingRowColors(true);
-    lstPatients->header()->setSectionsClickable(true);
-    lstPatients->setColumnWidth(0, 260);
+    LayOutListWithButtons(this, lstPatients, {QStringLiteral("Name"), QStringLiteral("ID")}, 260,
+                          buttons_, {"OK", "Cancel", "New", "Edit", "Delete"},
+                          [this](const QString& tag) { Run(tag); });
     lstPatients->installEventFilter(this);
-
-    auto* column = new QVBoxLayout;
-    for (const char* tag : {"OK", "Cancel", "New", "Edit", "Delete"}) {
-        QPushButton* button = AddTaggedButton(this, buttons_, QLatin1String(tag));
-        connect(button, &QPushButton::clicked, this, [this, tag] { Run(QLatin1String(tag)); });
-        column->addWidget(button);
-    }
-    column->addStretch();
-    auto* layout = new QHBoxLayout(this);
-    layout->addWidget(lstPatients, 1);
-    layout->addLayout(column);
     resize(520, 380);
 
     IPatientDialogHost& host = *this;

@@ -67,6 +67,12 @@ private:
     bool done_ = false;
 };
 
+// Lays out a report list of the given columns with a column of tagged buttons at its
+// right; a button runs `run` with its tag.
+void LayOutListWithButtons(QDialog* dialog, QTreeWidget* list, const QStringList& headers,
+                           int firstColumnWidth, QtButtons& buttons, const QStringList& tags,
+                           const std::function<void(const QString&)>& run);
+
 // Adds a row of tagged buttons to a dialog's layout and to its command set.
 QPushButton* AddTaggedButton(QWidget* parent, QtButtons& buttons, const QString& tag,
                              const QString& tip = {});

@@ -16,26 +16,10 @@ ProgramListDialog::ProgramListDialog(AppState& state, Shell& shell, Prompter& pr
     setObjectName(QStringLiteral("frmListPrograms"));
     setWindowTitle(ProgramListLogic::kCaption);
     setAttribute(Qt::WA_DeleteOnClose);
-    lstPatients->setObjectName(QStringLiteral("lstPatients"));
-    lstPatients->setHeaderLabels(
-        {QStringLiteral("Name"), QStringLiteral("ID"), QStringLiteral("Date")});
-    lstPatients->setRootIsDecorated(false);
-    lstPatients->setUniformRowHeights(true);
-    lstPatients->setAlternatingRowColors(true);
-    lstPatients->header()->setSectionsClickable(true);
-    lstPatients->setColumnWidth(0, 240);
+    LayOutListWithButtons(
+        this, lstPatients, {QStringLiteral("Name"), QStringLiteral("ID"), QStringLiteral("Date")},
+        240, buttons_, {"OK", "Edit", "Delete"}, [this](const QString& tag) { Run(tag); });
     lstPatients->installEventFilter(this);
-
-    auto* column = new QVBoxLayout;
-    for (const char* tag : {"OK", "Edit", "Delete"}) {
-        QPushButton* button = AddTaggedButton(this, buttons_, QLatin1String(tag));
-        connect(button, &QPushButton::clicked, this, [this, tag] { Run(QLatin1String(tag)); });
-        column->addWidget(button);
-    }
-    column->addStretch();
-    auto* layout = new QHBoxLayout(this);
-    layout->addWidget(lstPatients, 1);
-    layout->addLayout(column);
     resize(600, 380);
 
     logic_ = std::make_unique<ProgramListLogic>(state, shell, prompter, store, list_, buttons_);
