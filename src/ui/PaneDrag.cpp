@@ -2,11 +2,11 @@
 
 #include <QDir>
 #include <QDrag>
-#include <QWidget>
 #include <QFileInfo>
 #include <QImage>
 #include <QImageReader>
 #include <QPixmap>
+#include <QWidget>
 
 namespace tarvex {
 
