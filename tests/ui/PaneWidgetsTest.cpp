@@ -23,8 +23,7 @@ QString Write(const QTemporaryDir& dir, const QString& name, const QByteArray& b
 TEST(PaneWidgets, AMissingFileIsNoErrorABrokenOrEmptyPictureIsAndNothingShows) {
     QTemporaryDir dir;
     const QString empty = Write(dir, "1.JPG", QByteArray());
-    const QString broken =
-        Write(dir, "2.JPG", QByteArray("\xff\xd8\xff\xe0 not really a jpeg"));
+    const QString broken = Write(dir, "2.JPG", QByteArray("\xff\xd8\xff\xe0 not really a jpeg"));
     QImage good(61, 46, QImage::Format_RGB32);
     good.fill(Qt::white);
     ASSERT_TRUE(good.save(dir.filePath("3.JPG"), "JPG"));
