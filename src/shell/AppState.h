@@ -24,6 +24,11 @@ struct PrintState {
     int PrintJobKind = 0;
     double PrintScale = 1.0;
     int BaseFontSize = 10;
+    int16_t InchTwips = 1440; // twips of one page inch at the current scale
+    int16_t MarginTwips = 0; // left margin of the current sheet (and right, for right-aligned text)
+    bool IsPreview = false;  // true while drawing for the preview
+    double PageWidthInches = 8.5; // set only by SetPageOrientation
+    double PageHeightInches = 11.0;
 };
 
 // The shared state of a run: everything that every window reads and writes. One object,

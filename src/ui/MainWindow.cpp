@@ -3,6 +3,7 @@
 #include "shell/AppState.h"
 #include "shell/SingleInstance.h"
 #include "ui/ClinicDialog.h"
+#include "ui/ItemsDialog.h"
 #include "ui/PatientDialogs.h"
 #include "ui/PreferencesDialog.h"
 #include "ui/ProgramListDialog.h"
@@ -160,7 +161,6 @@ bool MainWindow::Start() {
 void MainWindow::OnToolbar(const QString& key) {
     const QHash<QString, QString> later = {
         {"Exercises", "The selection workspace"},
-        {"Video", "Ordering a video tape"},
         {"Preview", "The print preview"},
         {"Print", "Printing"},
         {"Help", "Help"},
@@ -172,6 +172,11 @@ void MainWindow::OnToolbar(const QString& key) {
     if (key == QLatin1String("Exercises") && workspace_) {
         PlaceDialog(workspace_);
         return workspace_->StartProgramVisit();
+    }
+    if (key == QLatin1String("Video")) {
+        auto* dialog = new ItemsDialog(state_, *shell_, *programs_, this);
+        PlaceDialog(dialog);
+        return dialog->show();
     }
     if (key == QLatin1String("Print"))
         state_.SkipPrintDialog = true;

@@ -1,0 +1,163 @@
+// tarvex-print: draws one print job of a stored program into a PDF file, from the same data
+// folder and settings as the program, without any window.
+
+#include "data/Databases.h"
+#include "print/OrderForm.h"
+#include "print/PainterSurface.h"
+#include "print/PrintJob.h"
+#include "program/ClinicStore.h"
+#include "program/ProgramStore.h"
+#include "shell/AppFolder.h"
+#include "shell/AppState.h"
+#include "shell/Options.h"
+#include "shell/SettingsStore.h"
+#include "shell/Shell.h"
+#include "support/Fault.h"
+#include "support/Prompter.h"
+
+#include <QCommandLineParser>
+#include <QFile>
+#include <QGuiApplication>
+#include <QPageLayout>
+#include <QPageSize>
+#include <QPdfWriter>
+#include <cstdio>
+#include <map>
+
+namespace {
+
+using namespace tarvex;
+
+// The windowing side of the shell, which a console run has not got.
+class NoCommands : public ICommands {
+public:
+    void SetEnabled(const QString&, bool) override {}
+    bool IsEnabled(const QString&) const override { return false; }
+};
+class NoStatusBar : public IStatusBar {
+public:
+    void SetPanelText(int, const QString&) override {}
+    QString PanelText(int) const override { return QString(); }
+    void Refresh() override {}
+};
+class NoTitle : public IWindowTitle {
+public:
+    void SetTitle(const QString& title) override { m_title = title; }
+    QString Title() const override { return m_title; }
+
+private:
+    QString m_title;
+};
+class NoPrintDialog : public IPrintDialog {
+public:
+    bool Show() override { return true; }
+};
+class NoPrompter : public Prompter {
+public:
+    Answer MsgBox(const QString&, int, const QString&) override { return Answer::Ok; }
+    std::optional<QString> InputBox(const QString&, const QString&, const QString&) override {
+        return std::nullopt;
+    }
+};
+
+int Fail(const QString& message) {
+    std::fprintf(stderr, "tarvex-print: %s\n", qPrintable(message));
+    return 1;
+}
+
+const std::map<QString, int>& Jobs() {
+    static const std::map<QString, int> jobs{{QStringLiteral("order"), kJobVideoOrder},
+                                             {QStringLiteral("ex2"), kJobExercises2},
+                                             {QStringLiteral("ex4"), kJobExercises4},
+                                             {QStringLiteral("cover"), kJobCoverSheet},
+                                             {QStringLiteral("record"), kJobPatientRecord}};
+    return jobs;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // Fonts need the GUI side of Qt, but never a display.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    QGuiApplication::setApplicationName(QStringLiteral("Tarvex"));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Prints one job of a stored program into a PDF file.\n"
+        "Jobs: ex2 (exercises, 2 a page), ex4 (exercises, 4 a page), record (patient record),\n"
+        "cover (cover sheet), order (video order form)."));
+    parser.addHelpOption();
+    const QCommandLineOption jobOption(QStringLiteral("job"),
+                                       QStringLiteral("The job: ex2, ex4, record, cover or order."),
+                                       QStringLiteral("job"));
+    const QCommandLineOption invoiceOption(QStringLiteral("invoice"),
+                                           QStringLiteral("The stored program's number."),
+                                           QStringLiteral("N"));
+    const QCommandLineOption outOption(QStringLiteral("out"),
+                                       QStringLiteral("The PDF file to write."),
+                                       QStringLiteral("FILE.pdf"));
+    parser.addOptions({jobOption, invoiceOption, outOption});
+    parser.process(app);
+
+    const QString jobName = parser.value(jobOption);
+    const auto job = Jobs().find(jobName);
+    if (job == Jobs().end())
+        return Fail(QStringLiteral("unknown job \"%1\": use ex2, ex4, record, cover or order")
+                        .arg(jobName));
+    bool numberOk = false;
+    const int invoice = parser.value(invoiceOption).toInt(&numberOk);
+    if (!numberOk)
+        return Fail(QStringLiteral("--invoice needs the number of a stored program"));
+    const QString out = parser.value(outOption);
+    if (out.isEmpty())
+        return Fail(QStringLiteral("--out needs the PDF file to write"));
+    {
+        QFile probe(out);
+        if (!probe.open(QIODevice::WriteOnly))
+            return Fail(QStringLiteral("cannot write %1: %2").arg(out, probe.errorString()));
+    }
+
+    AppState state;
+    state.AppFolder = DefaultAppFolder();
+    state.DeliveredFolder = DefaultDeliveredFolder();
+    try {
+        QtSettingsStore store;
+        LoadOptions(state, store);
+        const QString problem = PrepareAppFolder(state.AppFolder, TemplatesFolder(state));
+        if (!problem.isEmpty())
+            return Fail(problem);
+        OpenDatabases(state);
+        state.TollFreeOrder = QLatin1String(kTollFreeOrder);
+        state.TollFreeFax = QLatin1String(kTollFreeFax);
+        state.CoverText = LoadCoverText(state);
+        ReadClinicRecord(state);
+
+        NoCommands toolbar;
+        NoCommands menu;
+        NoStatusBar statusBar;
+        NoTitle title;
+        NoPrintDialog dialog;
+        NoPrompter prompter;
+        Shell shell(state, toolbar, menu, statusBar, title, dialog);
+        ProgramStore programs(state, shell, prompter);
+        programs.LoadProgram(invoice);
+
+        QPdfWriter writer(out);
+        writer.setResolution(1200);
+        writer.setPageLayout(QPageLayout(QPageSize(QPageSize::Letter), QPageLayout::Portrait,
+                                         QMarginsF(0, 0, 0, 0)));
+        writer.setCreator(QStringLiteral("TVX Regimenter"));
+        PainterSurface surface(writer);
+        state.Print.PrintJobKind = job->second;
+        state.Print.PrintScale = 1.0;
+        state.Print.IsPreview = false;
+        DrawPrintJob(surface, state, PrintVideoOrderForm);
+        surface.EndDoc();
+        CloseDatabases(state);
+    } catch (const Fault& fault) {
+        return Fail(fault.Message());
+    }
+    return 0;
+}

@@ -1,0 +1,220 @@
+#include "data/Databases.h"
+#include "data/Sql.h"
+#include "exercise/LibraryCache.h"
+#include "fakes/FakeControls.h"
+#include "print/PainterSurface.h"
+#include "print/PrintJob.h"
+#include "print/PrinterModule.h"
+#include "program/ProgramStore.h"
+#include "shell/AppFolder.h"
+#include "shell/ShellHarness.h"
+#include "support/TestFolder.h"
+#include <QProcessEnvironment>
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QPageLayout>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using namespace tarvex;
+
+namespace {
+
+// A picture with a frame and its name, so that each box shows which file filled it.
+void WritePicture(const QString& path, const QString& label) {
+    QImage picture(300, 225, QImage::Format_RGB32);
+    picture.fill(QColor(230, 240, 255));
+    QPainter painter(&picture);
+    painter.setPen(QPen(Qt::darkBlue, 6));
+    painter.drawRect(picture.rect().adjusted(3, 3, -3, -3));
+    painter.drawEllipse(QPoint(150, 90), 40, 40);
+    painter.drawText(picture.rect(), Qt::AlignBottom | Qt::AlignHCenter, label);
+    painter.end();
+    ASSERT_TRUE(picture.save(path, "JPG"));
+}
+
+void FillProgram(AppState& state, const QString& pictures, int count) {
+    state.Clinic.Name = "Harbor Physical Therapy";
+    state.Clinic.Phone = "555-0100";
+    state.SiteNumber = 4711;
+    state.Program.FullName = "Doe, Ann";
+    state.Program.Provider = "Dr. Lee";
+    state.Program.Usage = "2x per day";
+    state.Program.Date = QDateTime(QDate(1999, 3, 4), QTime(10, 0));
+    state.Prefs.PrintCallTVX = true;
+    state.Media.Picture = pictures + "/";
+    for (int i = 0; i < count; ++i) {
+        ExerciseEntry& e = state.Program.Exercise(i);
+        e.Code = QString::number(300 + i);
+        e.Desc = QStringLiteral("Straight leg raise %1").arg(i + 1);
+        e.Reps = 10;
+        e.Hold = static_cast<int16_t>(i % 2 ? 5 : 0);
+        e.Sets = 2;
+        e.Picture0 = QStringLiteral("%1_1.JPG").arg(e.Code);
+        e.Picture1 = QStringLiteral("%1_2.JPG").arg(e.Code);
+        e.Picture2 = i % 3 ? QStringLiteral("%1_3.JPG").arg(e.Code) : QString();
+        e.Instruct0 = "Lie on your back with one knee bent and the other leg straight.";
+        e.Instruct1 = "Tighten the thigh muscle and lift the leg a foot off the floor.";
+        e.Instruct2 = "Lower slowly.";
+        for (int v = 1; v <= 3; ++v)
+            WritePicture(QDir(pictures).filePath(QStringLiteral("%1_%2.JPG").arg(e.Code).arg(v)),
+                         QStringLiteral("%1 view %2").arg(e.Code).arg(v));
+    }
+    state.Program.NumExercises = static_cast<int16_t>(count);
+}
+
+void WriteJobPdf(AppState& state, int job, const QString& file) {
+    QPdfWriter writer(file);
+    writer.setResolution(1200);
+    writer.setPageLayout(
+        QPageLayout(QPageSize(QPageSize::Letter), QPageLayout::Portrait, QMarginsF(0, 0, 0, 0)));
+    PainterSurface surface(writer);
+    state.Print.PrintJobKind = job;
+    ASSERT_TRUE(DrawPrintJob(surface, state));
+    surface.EndDoc();
+}
+
+QString RunTool(const QString& program, const QStringList& args, int* exitCode,
+                QString* errors = nullptr) {
+    QProcess process;
+    process.start(program, args);
+    EXPECT_TRUE(process.waitForFinished(60000));
+    *exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    if (errors)
+        *errors = QString::fromLocal8Bit(process.readAllStandardError());
+    return QString::fromLocal8Bit(process.readAllStandardOutput());
+}
+
+} // namespace
+
+TEST(PdfPages, TextOfTheSheetsIsInThePdf) {
+    QTemporaryDir dir;
+    AppState state;
+    FillProgram(state, dir.path(), 5);
+    const QString file = dir.filePath("ex2.pdf");
+    WriteJobPdf(state, kJobExercises2, file);
+    int code = 0;
+    const QString text = RunTool("pdftotext", {"-layout", file, "-"}, &code);
+    ASSERT_EQ(code, 0);
+    EXPECT_TRUE(text.contains("Harbor Physical Therapy, 555-0100"));
+    EXPECT_TRUE(text.contains("Site #: 4711"));
+    EXPECT_TRUE(text.contains("(304) Straight leg raise 5: 10 reps, 2 sets"));
+    EXPECT_TRUE(text.contains("Call Tarvex, Inc. toll free at 1-888-555-0147"));
+    EXPECT_TRUE(text.contains(MakerNotice()));
+    // Three pages: pdftotext separates them with form feeds.
+    EXPECT_EQ(text.count(QChar('\f')), 3);
+}
+
+TEST(PdfPages, TwentyExercisesAtTwoAndFourAPage) {
+    // Kept in the build folder so that the pages can be looked at.
+    const QString out = QDir(TARVEX_PAGES_DIR).absolutePath();
+    QDir().mkpath(out);
+    QTemporaryDir pictures;
+    for (const auto& [job, name] :
+         {std::pair{kJobExercises2, "ex2"}, std::pair{kJobExercises4, "ex4"},
+          std::pair{kJobPatientRecord, "record"}, std::pair{kJobCoverSheet, "cover"}}) {
+        AppState state;
+        FillProgram(state, pictures.path(), 20);
+        state.CoverText = "Welcome to Harbor Physical Therapy.\r\n\r\nDo your exercises daily.\r\n";
+        const QString file = QDir(out).filePath(QStringLiteral("%1-20.pdf").arg(name));
+        WriteJobPdf(state, job, file);
+        int code = 0;
+        const QString text = RunTool("pdftotext", {file, "-"}, &code);
+        ASSERT_EQ(code, 0);
+        const int pages = job == kJobExercises2 ? 10 : job == kJobExercises4 ? 5 : 1;
+        EXPECT_EQ(text.count(QChar('\f')), pages) << name;
+    }
+}
+
+TEST(PrintTool, BadJobNameEndsWithAMessageAndNonZeroExit) {
+    int code = 0;
+    QString errors;
+    RunTool(TARVEX_PRINT_TOOL, {"--job", "ex3", "--invoice", "1", "--out", "/tmp/x.pdf"}, &code,
+            &errors);
+    EXPECT_NE(code, 0);
+    EXPECT_TRUE(errors.contains("unknown job \"ex3\"")) << errors.toStdString();
+}
+
+TEST(PrintTool, WritesEveryJobOfAStoredProgramFromTheUsersDataFolder) {
+    // A user of our own: the tool reads the data folder and settings of $HOME.
+    QTemporaryDir home;
+    const QString appFolder = home.filePath("data/Tarvex");
+    int32_t invoice = 0;
+    {
+        AppState state;
+        state.AppFolder = appFolder;
+        state.DeliveredFolder = tarvex::testing::DeliveredFolder();
+        ASSERT_EQ(PrepareAppFolder(appFolder, TemplatesFolder(state)), "");
+        OpenDatabases(state);
+        LoadLibraryCache(state);
+        tarvex::testing::ShellHarness shell(state);
+        fakes::ScriptedPrompter prompter;
+        ProgramStore store(state, shell.shell, prompter);
+        ExerciseProgram& p = state.Program;
+        p.PatientID = static_cast<int32_t>(InsertRow(
+            state.Dbs.ProgramDb, "Patient",
+            {{"LastName", "Okafor"}, {"FirstName", "Chidi"}, {"FullName", "Okafor, Chidi"}}));
+        p.FullName = "Okafor, Chidi";
+        p.IsNew = true;
+        for (int i = 0; i < 20; ++i)
+            p.Exercise(i) = state.Library.Entries[static_cast<size_t>(i)];
+        p.NumExercises = 20;
+        p.NumItems = 1;
+        p.Item(0) = {"TVX-20", "Custom video tape", 1, Currency::FromDouble(49.95)};
+        p.Provider = "Dr. Jane Smith, PT";
+        p.Modified = true;
+        store.SaveProgram(false);
+        invoice = *p.InvoiceID;
+        CloseDatabases(state);
+    }
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("HOME", home.path());
+    env.insert("XDG_DATA_HOME", home.filePath("data"));
+    env.insert("XDG_CONFIG_HOME", home.filePath("config"));
+    for (const char* job : {"ex2", "ex4", "record", "cover", "order"}) {
+        const QString out = home.filePath(QString::fromLatin1(job) + ".pdf");
+        QProcess tool;
+        tool.setProcessEnvironment(env);
+        tool.start(TARVEX_PRINT_TOOL,
+                   {"--job", job, "--invoice", QString::number(invoice), "--out", out});
+        ASSERT_TRUE(tool.waitForFinished(60000));
+        EXPECT_EQ(tool.exitCode(), 0) << job << ": " << tool.readAllStandardError().toStdString();
+        int code = 0;
+        const QString text = RunTool("pdftotext", {"-layout", out, "-"}, &code);
+        ASSERT_EQ(code, 0) << job;
+        EXPECT_FALSE(text.trimmed().isEmpty()) << job;
+        if (QByteArray(job) != "cover" && QByteArray(job) != "order") {
+            EXPECT_TRUE(text.contains("Okafor, Chidi")) << job << text.left(400).toStdString();
+        }
+    }
+    QProcess missing;
+    missing.setProcessEnvironment(env);
+    missing.start(TARVEX_PRINT_TOOL,
+                  {"--job", "order", "--invoice", "999999", "--out", home.filePath("m.pdf")});
+    ASSERT_TRUE(missing.waitForFinished(60000));
+    EXPECT_NE(missing.exitCode(), 0);
+    EXPECT_FALSE(missing.readAllStandardError().isEmpty());
+}
+
+TEST(PrintTool, UnwritableFileEndsWithAMessage) {
+    int code = 0;
+    QString errors;
+    RunTool(TARVEX_PRINT_TOOL,
+            {"--job", "ex4", "--invoice", "1", "--out", "/nonexistent/folder/x.pdf"}, &code,
+            &errors);
+    EXPECT_NE(code, 0);
+    EXPECT_TRUE(errors.contains("cannot write")) << errors.toStdString();
+}
+
+TEST(PrintTool, HelpListsTheJobs) {
+    int code = 0;
+    const QString help = RunTool(TARVEX_PRINT_TOOL, {"--help"}, &code);
+    EXPECT_EQ(code, 0);
+    EXPECT_TRUE(help.contains("ex2") && help.contains("record") && help.contains("cover"));
+}
