@@ -1,5 +1,9 @@
 #include "ui/MainWindow.h"
 
+#include "print/OrderForm.h"
+#include "print/PainterSurface.h"
+#include "print/PrintJob.h"
+#include "shell/AppFolder.h"
 #include "shell/AppState.h"
 #include "shell/SingleInstance.h"
 #include "ui/ClinicDialog.h"
@@ -11,11 +15,14 @@
 #include "ui/WorkspaceWindow.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMenuBar>
 #include <QPrintDialog>
+#include <QProcess>
 #include <QScreen>
 #include <QStatusBar>
 #include <QStyle>
@@ -97,11 +104,20 @@ void MainWindow::BuildMenu() {
     const auto later = [this](QAction* action, const QString& what) {
         connect(action, &QAction::triggered, this, [this, what] { NotYetAvailable(what); });
     };
-    later(AddMenuEntry(print, "mnuPrintEx4", "Exercises &4/page"), "Printing");
-    later(AddMenuEntry(print, "mnuPrintEx2", "Exercises &2/page"), "Printing");
-    later(AddMenuEntry(print, "mnuPrintPatientRecord", "Patient &Record"), "Printing");
-    later(AddMenuEntry(print, "mnuPrintVideo", "&Video Order"), "Printing");
-    later(AddMenuEntry(print, "mnuPrintCover", "&Cover Page"), "Printing");
+    connect(AddMenuEntry(print, "mnuPrintEx4", "Exercises &4/page"), &QAction::triggered, this,
+            [this] {
+                PrintExercises(kJobExercises4, QStringLiteral("Printing 4 Exercises Per Page"));
+            });
+    connect(AddMenuEntry(print, "mnuPrintEx2", "Exercises &2/page"), &QAction::triggered, this,
+            [this] {
+                PrintExercises(kJobExercises2, QStringLiteral("Printing 2 Exercises Per Page"));
+            });
+    connect(AddMenuEntry(print, "mnuPrintPatientRecord", "Patient &Record"), &QAction::triggered,
+            this, [this] { PrintJob(kJobPatientRecord); });
+    connect(AddMenuEntry(print, "mnuPrintVideo", "&Video Order"), &QAction::triggered, this,
+            [this] { PrintJob(kJobVideoOrder); });
+    connect(AddMenuEntry(print, "mnuPrintCover", "&Cover Page"), &QAction::triggered, this,
+            &MainWindow::PrintCoverDocument);
     QMenu* preview = file->addMenu(QStringLiteral("Preview"));
     menu_.Add(QStringLiteral("mnuPreview"), preview->menuAction());
     later(AddMenuEntry(preview, "mnuPreviewEx4", "Exercises &4/page"), "The print preview");
@@ -178,8 +194,11 @@ void MainWindow::OnToolbar(const QString& key) {
         PlaceDialog(dialog);
         return dialog->show();
     }
-    if (key == QLatin1String("Print"))
+    if (key == QLatin1String("Print")) {
+        // The toolbar prints straight to the current printer; the menu shows the dialog.
         state_.SkipPrintDialog = true;
+        return PrintExercises(kJobExercises4, QStringLiteral("Printing 4 Exercises Per Page"));
+    }
     NotYetAvailable(later.value(key));
 }
 
@@ -217,6 +236,40 @@ void MainWindow::OpenProgramList() {
     auto* dialog = new ProgramListDialog(state_, *shell_, prompter_, *programs_, this);
     PlaceDialog(dialog);
     dialog->show();
+}
+
+bool MainWindow::RunJobOn(PageSurface& surface, int job) {
+    state_.Print.PrintJobKind = job;
+    return RunPrintJob(
+        state_, surface, [this] { return shell_->MaybeShowPrintDlg(); }, PrintVideoOrderForm);
+}
+
+void MainWindow::PrintExercises(int job, const QString& statusText) {
+    shell_->SetStatusBar(statusText);
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    {
+        PainterSurface surface(printer_);
+        // The cover sheet comes first when it is wanted; it leaves the document open.
+        const bool cover = state_.Prefs.PrintPatientCover;
+        if (!cover || RunJobOn(surface, kJobCoverSheet))
+            RunJobOn(surface, job);
+    }
+    QApplication::restoreOverrideCursor();
+    shell_->SetStatusBarReady();
+}
+
+void MainWindow::PrintJob(int job) {
+    PainterSurface surface(printer_);
+    RunJobOn(surface, job);
+}
+
+void MainWindow::PrintCoverDocument() {
+    // The patient instructions are a word-processor document, printed by LibreOffice
+    // when it is installed; any failure is ignored without a word.
+    const QString document = AppPathAndFName(state_, QStringLiteral("Patient Instructions.Doc"));
+    if (QFileInfo::exists(document))
+        QProcess::startDetached(QStringLiteral("soffice"),
+                                {QStringLiteral("--headless"), QStringLiteral("-p"), document});
 }
 
 void MainWindow::PlaceDialog(QWidget* dialog) const {

@@ -34,6 +34,7 @@ public:
     QtCommands& MenuCommands() { return menu_; }
     QtStatusPanels& StatusPanels() { return status_; }
     ProgramStore& Programs() { return *programs_; }
+    QPrinter& Printer() { return printer_; }
     class WorkspaceWindow* Workspace() const {
         return workspace_;
     }
@@ -60,6 +61,10 @@ private:
     void BuildStatusBar();
     QAction* AddMenuEntry(QMenu* menu, const QString& key, const QString& caption);
     void OnToolbar(const QString& key);
+    void PrintExercises(int job, const QString& statusText);
+    void PrintJob(int job);
+    void PrintCoverDocument();
+    bool RunJobOn(class PageSurface& surface, int job);
     void OpenPreferences();
     void OpenSelectPatient();
     void OpenEditPatient();
