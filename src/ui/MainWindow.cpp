@@ -10,6 +10,7 @@
 #include "ui/ItemsDialog.h"
 #include "ui/PatientDialogs.h"
 #include "ui/PreferencesDialog.h"
+#include "ui/PrintPreviewDialog.h"
 #include "ui/ProgramListDialog.h"
 #include "ui/SplashDialog.h"
 #include "ui/WorkspaceWindow.h"
@@ -120,11 +121,23 @@ void MainWindow::BuildMenu() {
             &MainWindow::PrintCoverDocument);
     QMenu* preview = file->addMenu(QStringLiteral("Preview"));
     menu_.Add(QStringLiteral("mnuPreview"), preview->menuAction());
-    later(AddMenuEntry(preview, "mnuPreviewEx4", "Exercises &4/page"), "The print preview");
-    later(AddMenuEntry(preview, "mnuPreviewEx2", "Exercises &2/page"), "The print preview");
-    later(AddMenuEntry(preview, "mnuPreviewPatientRecord", "Patient &Record"), "The print preview");
-    later(AddMenuEntry(preview, "mnuPreviewVideo", "&Video Order"), "The print preview");
-    later(AddMenuEntry(preview, "mnuPreviewCover", "&Cover Page"), "The print preview");
+    struct PreviewEntry {
+        const char* key;
+        const char* caption;
+        int job;
+    };
+    const PreviewEntry previews[] = {
+        {"mnuPreviewEx4", "Exercises &4/page", kJobExercises4},
+        {"mnuPreviewEx2", "Exercises &2/page", kJobExercises2},
+        {"mnuPreviewPatientRecord", "Patient &Record", kJobPatientRecord},
+        {"mnuPreviewVideo", "&Video Order", kJobVideoOrder},
+        {"mnuPreviewCover", "&Cover Page", kJobCoverSheet},
+    };
+    for (const PreviewEntry& entry : previews) {
+        const int job = entry.job;
+        connect(AddMenuEntry(preview, entry.key, entry.caption), &QAction::triggered, this,
+                [this, job] { OpenPreview(job); });
+    }
     file->addSeparator()->setObjectName(QStringLiteral("mnuSep0"));
     connect(AddMenuEntry(file, "mnuClinic", "&Clinic Info"), &QAction::triggered, this,
             &MainWindow::OpenClinic);
@@ -177,7 +190,6 @@ bool MainWindow::Start() {
 void MainWindow::OnToolbar(const QString& key) {
     const QHash<QString, QString> later = {
         {"Exercises", "The selection workspace"},
-        {"Preview", "The print preview"},
         {"Print", "Printing"},
         {"Help", "Help"},
     };
@@ -194,6 +206,8 @@ void MainWindow::OnToolbar(const QString& key) {
         PlaceDialog(dialog);
         return dialog->show();
     }
+    if (key == QLatin1String("Preview"))
+        return OpenPreview(kJobExercises4);
     if (key == QLatin1String("Print")) {
         // The toolbar prints straight to the current printer; the menu shows the dialog.
         state_.SkipPrintDialog = true;
@@ -256,6 +270,13 @@ void MainWindow::PrintExercises(int job, const QString& statusText) {
     }
     QApplication::restoreOverrideCursor();
     shell_->SetStatusBarReady();
+}
+
+void MainWindow::OpenPreview(int job) {
+    state_.Print.PrintJobKind = job;
+    PrintPreviewDialog dialog(
+        state_, printer_, [this] { return shell_->MaybeShowPrintDlg(); }, this);
+    dialog.exec();
 }
 
 void MainWindow::PrintJob(int job) {

@@ -63,6 +63,7 @@ private:
     void OnToolbar(const QString& key);
     void PrintExercises(int job, const QString& statusText);
     void PrintJob(int job);
+    void OpenPreview(int job);
     void PrintCoverDocument();
     bool RunJobOn(class PageSurface& surface, int job);
     void OpenPreferences();

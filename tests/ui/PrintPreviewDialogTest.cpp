@@ -1,0 +1,187 @@
+#include "ui/PrintPreviewDialog.h"
+#include "data/Sql.h"
+#include "exercise/LibraryCache.h"
+#include "fakes/FakeSettingsStore.h"
+#include "print/PrintJob.h"
+#include "shell/SingleInstance.h"
+#include "support/TestFolder.h"
+#include "ui/MainWindow.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QLabel>
+#include <QProcess>
+#include <QScrollBar>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QToolBar>
+#include <gtest/gtest.h>
+
+using namespace tarvex;
+
+namespace {
+
+struct PreviewRun {
+    explicit PreviewRun(int exercises = 5)
+        : lock(dir.filePath("tarvex.lock")), window(state, store, lock, false) {
+        state.AppFolder = dir.filePath("data");
+        state.DeliveredFolder = tarvex::testing::DeliveredFolder();
+        store.values["Options/ShowTips"] = "False";
+        if (!window.Start())
+            throw std::runtime_error("no start");
+        ExerciseProgram& p = state.Program;
+        p.PatientID = static_cast<int32_t>(InsertRow(
+            state.Dbs.ProgramDb, "Patient",
+            {{"LastName", "Okafor"}, {"FirstName", "Chidi"}, {"FullName", "Okafor, Chidi"}}));
+        p.FullName = "Okafor, Chidi";
+        const size_t count = state.Library.Entries.size();
+        for (int i = 0; i < exercises; ++i)
+            p.Exercise(i) = state.Library.Entries[static_cast<size_t>(i) % count];
+        p.NumExercises = static_cast<int16_t>(exercises);
+        window.ShellLogic().UpdateToolbar(2);
+        window.Printer().setOutputFormat(QPrinter::PdfFormat);
+        window.Printer().setOutputFileName(dir.filePath("printed.pdf"));
+    }
+    ~PreviewRun() { window.close(); }
+    std::unique_ptr<PrintPreviewDialog> Open(int job) {
+        state.Print.PrintJobKind = job;
+        auto dialog = std::make_unique<PrintPreviewDialog>(
+            state, window.Printer(), [] { return true; }, &window);
+        dialog->show();
+        QApplication::processEvents();
+        return dialog;
+    }
+    QString PrintedText() {
+        QProcess pdftotext;
+        pdftotext.start("pdftotext", {"-layout", dir.filePath("printed.pdf"), "-"});
+        pdftotext.waitForFinished(30000);
+        return QString::fromLocal8Bit(pdftotext.readAllStandardOutput());
+    }
+    QTemporaryDir dir;
+    AppState state;
+    fakes::FakeSettingsStore store;
+    SingleInstanceLock lock;
+    MainWindow window;
+};
+
+// Closes the modal window that the next command opens, and notes what it showed.
+struct ModalWatch {
+    QString title;
+    QString pageText;
+    int pages = 0;
+    void Arm() {
+        QTimer::singleShot(0, [this] {
+            auto* dialog = qobject_cast<PrintPreviewDialog*>(QApplication::activeModalWidget());
+            if (!dialog)
+                return;
+            title = dialog->windowTitle();
+            pageText = dialog->PageText->text();
+            pages = dialog->Logic().LastPage() + 1;
+            dialog->close();
+        });
+    }
+};
+
+} // namespace
+
+TEST(PrintPreviewWindow, EveryPreviewEntryOpensTheWindowModallyWithItsJob) {
+    PreviewRun r(10);
+    const std::pair<const char*, int> entries[] = {
+        {"mnuPreviewEx4", kJobExercises4},
+        {"mnuPreviewEx2", kJobExercises2},
+        {"mnuPreviewPatientRecord", kJobPatientRecord},
+        {"mnuPreviewVideo", kJobVideoOrder},
+        {"mnuPreviewCover", kJobCoverSheet},
+    };
+    for (const auto& [key, job] : entries) {
+        ModalWatch watch;
+        watch.Arm();
+        r.window.MenuCommands().Action(key)->trigger();
+        EXPECT_EQ(watch.title, "Print Preview") << key;
+        EXPECT_EQ(r.state.Print.PrintJobKind, job) << key;
+        EXPECT_TRUE(r.state.Print.IsPreview) << key;
+        EXPECT_DOUBLE_EQ(r.state.Print.PrintScale, 0.75) << key;
+        if (job == kJobExercises4) {
+            EXPECT_EQ(watch.pageText, "Page: 1 of 3");
+        }
+        if (job == kJobExercises2) {
+            EXPECT_EQ(watch.pageText, "Page: 1 of 5");
+        }
+    }
+    // The toolbar's button is the four-a-page preview.
+    ModalWatch watch;
+    watch.Arm();
+    r.window.ToolbarCommands().Action("Preview")->trigger();
+    EXPECT_EQ(watch.pageText, "Page: 1 of 3");
+    EXPECT_EQ(r.state.Print.PrintJobKind, kJobExercises4);
+}
+
+TEST(PrintPreviewWindow, ToolbarPagesZoomsAndKeysScroll) {
+    PreviewRun r(10);
+    auto dialog = r.Open(kJobExercises4);
+    EXPECT_EQ(dialog->objectName(), "frmPrintPreview");
+    EXPECT_EQ(dialog->PageText->text(), "Page: 1 of 3");
+    EXPECT_FALSE(dialog->Button("Prev")->isEnabled());
+    EXPECT_TRUE(dialog->Button("Next")->isEnabled());
+    dialog->Button("Next")->trigger();
+    dialog->Button("Next")->trigger();
+    EXPECT_EQ(dialog->PageText->text(), "Page: 3 of 3");
+    EXPECT_FALSE(dialog->Button("Next")->isEnabled());
+    EXPECT_TRUE(dialog->PageWidget(2)->isVisible());
+    EXPECT_FALSE(dialog->PageWidget(0)->isVisible());
+    const int width = dialog->PageWidget(2)->width();
+    dialog->Button("ZoomIn")->trigger();
+    EXPECT_EQ(dialog->PageText->text(), "Page: 3 of 3");
+    EXPECT_GT(dialog->PageWidget(2)->width(), width);
+    EXPECT_DOUBLE_EQ(r.state.Print.PrintScale, 1.0);
+
+    ASSERT_TRUE(dialog->VScroll1->isVisible());
+    const int top = dialog->PageWidget(2)->y();
+    dialog->PageWidget(2)->setFocus();
+    QTest::keyClick(dialog->PageWidget(2), Qt::Key_Down);
+    EXPECT_EQ(dialog->VScroll1->value(), dialog->Logic().VScroll().Value);
+    EXPECT_EQ(dialog->PageWidget(2)->y(), top - 20); // 300 twips
+    QTest::keyClick(dialog->PageWidget(2), Qt::Key_Escape);
+    EXPECT_FALSE(dialog->isVisible());
+}
+
+TEST(PrintPreviewWindow, PrintingFromThePreviewPrintsTheCoverSheetAndTheSheets) {
+    PreviewRun r(5);
+    auto dialog = r.Open(kJobExercises4);
+    dialog->Button("ZoomIn")->trigger();
+    dialog->Button("Print")->trigger();
+    ASSERT_GT(QFileInfo(r.dir.filePath("printed.pdf")).size(), 0);
+    const QString text = r.PrintedText();
+    EXPECT_TRUE(text.contains("Okafor, Chidi"));
+    EXPECT_EQ(text.count(QChar('\f')), 3); // cover sheet, then two pages of sheets
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_DOUBLE_EQ(r.state.Print.PrintScale, 1.0); // the zoom stays
+    EXPECT_EQ(dialog->PageText->text(), "Page: 1 of 2");
+}
+
+TEST(PrintPreviewWindow, PrintingThePatientRecordFromThePreviewPrintsItAlone) {
+    PreviewRun r(5);
+    r.state.Prefs.PrintPatientCover = true;
+    r.state.CoverText = "Read this before your first visit.";
+    auto dialog = r.Open(kJobPatientRecord);
+    dialog->Button("Print")->trigger();
+    const QString text = r.PrintedText();
+    EXPECT_TRUE(text.contains("Okafor, Chidi"));
+    EXPECT_FALSE(text.contains("Read this before your first visit."));
+    EXPECT_TRUE(dialog->isVisible());
+}
+
+TEST(PrintPreviewWindow, Screenshot) {
+    PreviewRun r(20);
+    auto dialog = r.Open(kJobExercises4);
+    EXPECT_EQ(dialog->PageText->text(), "Page: 1 of 5");
+    QDir().mkpath(TARVEX_SCREENSHOT_DIR);
+    ASSERT_TRUE(dialog->grab().save(QStringLiteral(TARVEX_SCREENSHOT_DIR) + "/print-preview.png"));
+    dialog->Button("Next")->trigger();
+    dialog->Button("ZoomOut")->trigger();
+    ASSERT_TRUE(
+        dialog->grab().save(QStringLiteral(TARVEX_SCREENSHOT_DIR) + "/print-preview-page2.png"));
+}
