@@ -3,6 +3,7 @@
 #include "shell/SingleInstance.h"
 #include "support/TestFolder.h"
 #include "ui/MainWindow.h"
+#include "ui/MainWindowRun.h"
 #include "ui/PatientDialogs.h"
 #include "ui/ProgramListDialog.h"
 
@@ -16,28 +17,7 @@ using namespace tarvex;
 
 namespace {
 
-struct Window {
-    Window() : lock(dir.filePath("tarvex.lock")), window(state, store, lock, false) {
-        state.AppFolder = dir.filePath("data");
-        state.DeliveredFolder = tarvex::testing::DeliveredFolder();
-        store.values["Options/ShowTips"] = "False";
-        if (!window.Start())
-            throw std::runtime_error("no start");
-    }
-    ~Window() { window.close(); }
-    void AddPatient(const QString& last, const QString& first, const QString& id) {
-        InsertRow(state.Dbs.ProgramDb, "Patient",
-                  {{"LastName", last},
-                   {"FirstName", first},
-                   {"ID", id},
-                   {"FullName", last + ", " + first}});
-    }
-    QTemporaryDir dir;
-    AppState state;
-    fakes::FakeSettingsStore store;
-    SingleInstanceLock lock;
-    MainWindow window;
-};
+using Window = tarvex::testing::MainWindowRun;
 
 void Save(QWidget* widget, const QString& name) {
     QDir().mkpath(TARVEX_SCREENSHOT_DIR);

@@ -4,6 +4,7 @@
 #include "shell/SingleInstance.h"
 #include "support/TestFolder.h"
 #include "ui/MainWindow.h"
+#include "ui/MainWindowRun.h"
 
 #include <QFileInfo>
 #include <QProcess>
@@ -14,37 +15,11 @@ using namespace tarvex;
 
 namespace {
 
-struct PrintRun {
-    PrintRun() : lock(dir.filePath("tarvex.lock")), window(state, store, lock, false) {
-        state.AppFolder = dir.filePath("data");
-        state.DeliveredFolder = tarvex::testing::DeliveredFolder();
-        store.values["Options/ShowTips"] = "False";
-        if (!window.Start())
-            throw std::runtime_error("no start");
-        ExerciseProgram& p = state.Program;
-        p.PatientID = static_cast<int32_t>(InsertRow(
-            state.Dbs.ProgramDb, "Patient",
-            {{"LastName", "Okafor"}, {"FirstName", "Chidi"}, {"FullName", "Okafor, Chidi"}}));
-        p.FullName = "Okafor, Chidi";
-        for (int i = 0; i < 5; ++i)
-            p.Exercise(i) = state.Library.Entries[static_cast<size_t>(i)];
-        p.NumExercises = 5;
-        window.ShellLogic().UpdateToolbar(2);
-        window.Printer().setOutputFormat(QPrinter::PdfFormat);
-        window.Printer().setOutputFileName(dir.filePath("printed.pdf"));
+struct PrintRun : tarvex::testing::MainWindowRun {
+    PrintRun() {
+        ChooseOkafor(5);
+        PrintToPdf();
     }
-    ~PrintRun() { window.close(); }
-    QString PrintedText() {
-        QProcess pdftotext;
-        pdftotext.start("pdftotext", {"-layout", dir.filePath("printed.pdf"), "-"});
-        pdftotext.waitForFinished(30000);
-        return QString::fromLocal8Bit(pdftotext.readAllStandardOutput());
-    }
-    QTemporaryDir dir;
-    AppState state;
-    fakes::FakeSettingsStore store;
-    SingleInstanceLock lock;
-    MainWindow window;
 };
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "shell/SingleInstance.h"
 #include "support/TestFolder.h"
 #include "ui/MainWindow.h"
+#include "ui/MainWindowRun.h"
 
 #include <QAction>
 #include <QApplication>
@@ -24,28 +25,11 @@ using namespace tarvex;
 
 namespace {
 
-struct PreviewRun {
-    explicit PreviewRun(int exercises = 5)
-        : lock(dir.filePath("tarvex.lock")), window(state, store, lock, false) {
-        state.AppFolder = dir.filePath("data");
-        state.DeliveredFolder = tarvex::testing::DeliveredFolder();
-        store.values["Options/ShowTips"] = "False";
-        if (!window.Start())
-            throw std::runtime_error("no start");
-        ExerciseProgram& p = state.Program;
-        p.PatientID = static_cast<int32_t>(InsertRow(
-            state.Dbs.ProgramDb, "Patient",
-            {{"LastName", "Okafor"}, {"FirstName", "Chidi"}, {"FullName", "Okafor, Chidi"}}));
-        p.FullName = "Okafor, Chidi";
-        const size_t count = state.Library.Entries.size();
-        for (int i = 0; i < exercises; ++i)
-            p.Exercise(i) = state.Library.Entries[static_cast<size_t>(i) % count];
-        p.NumExercises = static_cast<int16_t>(exercises);
-        window.ShellLogic().UpdateToolbar(2);
-        window.Printer().setOutputFormat(QPrinter::PdfFormat);
-        window.Printer().setOutputFileName(dir.filePath("printed.pdf"));
+struct PreviewRun : tarvex::testing::MainWindowRun {
+    explicit PreviewRun(int exercises = 5) {
+        ChooseOkafor(exercises);
+        PrintToPdf();
     }
-    ~PreviewRun() { window.close(); }
     std::unique_ptr<PrintPreviewDialog> Open(int job) {
         state.Print.PrintJobKind = job;
         auto dialog = std::make_unique<PrintPreviewDialog>(
@@ -54,17 +38,6 @@ struct PreviewRun {
         QApplication::processEvents();
         return dialog;
     }
-    QString PrintedText() {
-        QProcess pdftotext;
-        pdftotext.start("pdftotext", {"-layout", dir.filePath("printed.pdf"), "-"});
-        pdftotext.waitForFinished(30000);
-        return QString::fromLocal8Bit(pdftotext.readAllStandardOutput());
-    }
-    QTemporaryDir dir;
-    AppState state;
-    fakes::FakeSettingsStore store;
-    SingleInstanceLock lock;
-    MainWindow window;
 };
 
 // Closes the modal window that the next command opens, and notes what it showed.

@@ -5,6 +5,7 @@
 #include "support/TestFolder.h"
 #include "ui/ChoicePaneWidget.h"
 #include "ui/MainWindow.h"
+#include "ui/MainWindowRun.h"
 #include "ui/PaneDrag.h"
 #include "ui/SlotPaneWidget.h"
 
@@ -21,22 +22,8 @@ using namespace tarvex;
 
 namespace {
 
-struct WsRun {
-    WsRun() : lock(dir.filePath("tarvex.lock")), window(state, store, lock, false) {
-        state.AppFolder = dir.filePath("data");
-        state.DeliveredFolder = tarvex::testing::DeliveredFolder();
-        store.values["Options/ShowTips"] = "False";
-        if (!window.Start())
-            throw std::runtime_error("no start");
-        const int32_t id = static_cast<int32_t>(InsertRow(
-            state.Dbs.ProgramDb, "Patient",
-            {{"LastName", "Okafor"}, {"FirstName", "Chidi"}, {"FullName", "Okafor, Chidi"}}));
-        state.Program.PatientID = id;
-        state.Program.FullName = "Okafor, Chidi";
-        state.Program.IsNew = true;
-        window.ShellLogic().UpdateToolbar(2);
-    }
-    ~WsRun() { window.close(); }
+struct WsRun : tarvex::testing::MainWindowRun {
+    WsRun() { ChooseOkafor(); }
     WorkspaceWindow& W() { return *window.Workspace(); }
     // Drops what a drag of the source carries on a point of a pane.
     static void Drop(SlotPaneWidget* pane, QPoint at, DragSource source) {
@@ -47,11 +34,6 @@ struct WsRun {
         std::unique_ptr<QMimeData> data(PaneDragData(source));
         pane->DropAt(data.get());
     }
-    QTemporaryDir dir;
-    AppState state;
-    fakes::FakeSettingsStore store;
-    SingleInstanceLock lock;
-    MainWindow window;
 };
 
 } // namespace
