@@ -1,6 +1,7 @@
 #include "print/PainterSurface.h"
 
 #include "print/PrinterModule.h"
+#include "support/Fault.h"
 
 #include <QFontMetricsF>
 #include <QPageLayout>
@@ -25,8 +26,11 @@ PainterSurface::~PainterSurface() {
 
 QPainter& PainterSurface::Painter() {
     if (!m_painter) {
-        m_painter = std::make_unique<QPainter>();
-        m_painter->begin(&m_device);
+        auto painter = std::make_unique<QPainter>();
+        // A printer that is not there, or a file that cannot be written, ends the job.
+        if (!DeviceReady() || !painter->begin(&m_device))
+            throw Fault(QStringLiteral("The document could not be started on the printer."));
+        m_painter = std::move(painter);
     } else if (m_pendingPage && m_paged) {
         m_paged->newPage();
     }

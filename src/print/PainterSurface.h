@@ -41,6 +41,10 @@ public:
     static QString DrawnText(const SurfaceFont& font, const QString& text);
 
 protected:
+    // Whether the device can start a document now; a device that cannot ends the job
+    // before any drawing, as one whose start fails.
+    virtual bool DeviceReady() const { return true; }
+
     double MeasureWidth(const SurfaceFont& font, const QString& text) const override;
     double MeasureHeight(const SurfaceFont& font, const QString& text) const override;
     void DrawText(double x, double y, const SurfaceFont& font, const QString& text) override;

@@ -1,7 +1,6 @@
 #include "ui/MainWindow.h"
 
 #include "print/OrderForm.h"
-#include "print/PainterSurface.h"
 #include "print/PrintJob.h"
 #include "shell/AppFolder.h"
 #include "shell/AppState.h"
@@ -11,6 +10,7 @@
 #include "ui/PatientDialogs.h"
 #include "ui/PreferencesDialog.h"
 #include "ui/PrintPreviewDialog.h"
+#include "ui/PrinterSurface.h"
 #include "ui/ProgramListDialog.h"
 #include "ui/SplashDialog.h"
 #include "ui/WorkspaceWindow.h"
@@ -22,6 +22,7 @@
 #include <QLabel>
 #include <QMdiArea>
 #include <QMenuBar>
+#include <QPageSize>
 #include <QPrintDialog>
 #include <QProcess>
 #include <QScreen>
@@ -67,6 +68,8 @@ MainWindow::MainWindow(AppState& state, ISettingsStore& store, SingleInstanceLoc
     IPrintDialog& printDialog = *this;
     shell_ = std::make_unique<Shell>(state_, toolbar_, menu_, status_, title_, printDialog);
     programs_ = std::make_unique<ProgramStore>(state_, *shell_, prompter_);
+    // The sheets are laid out on 8.5 by 11 inch paper; the printer dialog can change it.
+    printer_.setPageSize(QPageSize(QPageSize::Letter));
     resize(1024, 720);
 }
 
@@ -262,7 +265,7 @@ void MainWindow::PrintExercises(int job, const QString& statusText) {
     shell_->SetStatusBar(statusText);
     QApplication::setOverrideCursor(Qt::WaitCursor);
     {
-        PainterSurface surface(printer_);
+        PrinterSurface surface(printer_);
         // The cover sheet comes first when it is wanted; it leaves the document open.
         const bool cover = state_.Prefs.PrintPatientCover;
         if (!cover || RunJobOn(surface, kJobCoverSheet))
@@ -280,7 +283,7 @@ void MainWindow::OpenPreview(int job) {
 }
 
 void MainWindow::PrintJob(int job) {
-    PainterSurface surface(printer_);
+    PrinterSurface surface(printer_);
     RunJobOn(surface, job);
 }
 

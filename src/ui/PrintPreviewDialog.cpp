@@ -1,6 +1,7 @@
 #include "ui/PrintPreviewDialog.h"
 
 #include "print/PainterSurface.h"
+#include "ui/PrinterSurface.h"
 
 #include <QAction>
 #include <QApplication>
@@ -140,7 +141,7 @@ PrintPreviewDialog::PrintPreviewDialog(AppState& state, QPrinter& printer,
     });
 
     const double twipsPerPixel = 1440.0 / std::max(1, logicalDpiY());
-    printerSurface_ = std::make_unique<PainterSurface>(printer_);
+    printerSurface_ = std::make_unique<PrinterSurface>(printer_);
     logic_ = std::make_unique<PreviewLogic>(state, *printerSurface_, twipsPerPixel);
     logic_->SetScrollBarThickness(
         static_cast<int>(style()->pixelMetric(QStyle::PM_ScrollBarExtent) * twipsPerPixel));
@@ -239,7 +240,7 @@ void PrintPreviewDialog::OnToolbar(const QString& key) {
 void PrintPreviewDialog::PrintFromPreview() {
     QApplication::setOverrideCursor(Qt::WaitCursor);
     {
-        PainterSurface surface(printer_);
+        PrinterSurface surface(printer_);
         logic_->PrintFromPreview(surface, printDialog_);
     }
     QApplication::restoreOverrideCursor();
