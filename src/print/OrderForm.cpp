@@ -120,6 +120,9 @@ void PrintShippingLines(PageSurface& surface, const AppState& state, double x) {
 void PrintVideoOrderForm(PageSurface& surface, AppState& state) {
     PrintState& print = state.Print;
     const ExerciseProgram& p = state.Program;
+    // The inch follows the scale of this drawing, as on every other sheet, so that a
+    // preview never lays the form out at the inch of an earlier job.
+    print.InchTwips = ToInt16(1440.0 * print.PrintScale);
     print.BaseFontSize = 10;
     print.MarginTwips = InchesToTwips(print, 1);
     const FormLengths len(print);

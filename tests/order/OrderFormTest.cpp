@@ -205,3 +205,16 @@ TEST_F(OrderFormTest, BlanksForAMissingAddressPatientProviderAndDate) {
     EXPECT_TRUE(texts.contains("3. TAPE CONTENT"));
     EXPECT_EQ(surface.OpsOf(RecordedOp::Kind::Box).size(), 1);
 }
+
+TEST_F(OrderFormTest, TheFormIsLaidOutAtTheInchOfItsOwnScale) {
+    AppState state;
+    state.Print.InchTwips = 1440; // left by a job on paper
+    state.Print.PrintScale = 0.5; // the preview's zoom
+    RecordingSurface surface;
+    PrintVideoOrderForm(surface, state);
+    EXPECT_EQ(state.Print.InchTwips, 720);
+    EXPECT_EQ(state.Print.MarginTwips, 720);
+    const RecordedOp* site = surface.FindText("Site #:");
+    ASSERT_NE(site, nullptr);
+    EXPECT_DOUBLE_EQ(site->x, 720.0);
+}
