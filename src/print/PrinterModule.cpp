@@ -3,6 +3,7 @@
 #include "support/Numbers.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
 
@@ -29,6 +30,43 @@ QString FindPictureFile(const QString& folder, const QString& file) {
             return dir.filePath(entry);
     }
     return QString();
+}
+
+// Whether a JPEG file runs from its start marker through its end marker. The decoder reads a
+// file cut off in its picture data without an error and greys out what is missing; such a
+// file is broken all the same. The segments are stepped over by their lengths, the picture
+// data after each scan byte by byte up to the next marker.
+bool JpegIsComplete(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray data = file.readAll();
+    const auto at = [&data](qsizetype i) { return static_cast<uchar>(data.at(i)); };
+    if (data.size() < 2 || at(0) != 0xFF || at(1) != 0xD8)
+        return false;
+    qsizetype i = 2;
+    while (i < data.size()) {
+        if (at(i) != 0xFF) {
+            ++i; // picture data
+            continue;
+        }
+        while (i < data.size() && at(i) == 0xFF)
+            ++i; // fill bytes
+        if (i >= data.size())
+            return false;
+        const uchar marker = at(i++);
+        if (marker == 0xD9)
+            return true; // end of the picture
+        if (marker == 0x00 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7))
+            continue; // a stuffed byte or a marker without length
+        if (i + 2 > data.size())
+            return false;
+        const qsizetype length = (qsizetype(at(i)) << 8) | at(i + 1);
+        if (length < 2)
+            return false;
+        i += length;
+    }
+    return false;
 }
 
 } // namespace
@@ -163,6 +201,8 @@ void PrintPicture(PageSurface& surface, const MediaPaths& media, const QString& 
         if (path.isEmpty())
             return;
         QImageReader reader(path);
+        if (reader.format() == "jpeg" && !JpegIsComplete(path))
+            return;
         const QImage picture = reader.read();
         if (picture.isNull())
             return;
