@@ -190,6 +190,8 @@ int main(int argc, char** argv) {
                  out.filePath(QStringLiteral("cover.txt")));
         CopyText(content.filePath(QStringLiteral("TIPOFDAY.TXT")),
                  out.filePath(QStringLiteral("TIPOFDAY.TXT")));
+        CopyText(content.filePath(QStringLiteral("Patient Instructions.Doc")),
+                 out.filePath(QStringLiteral("Patient Instructions.Doc")));
         std::printf("make_templates: %lld exercises, %lld picklist entries -> %s\n",
                     static_cast<long long>(library.size()),
                     static_cast<long long>(picklists.size()), qPrintable(out.path()));

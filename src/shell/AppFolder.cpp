@@ -57,7 +57,8 @@ QStringList DeliveredFileNames() {
             QStringLiteral("cover.txt"),
             QStringLiteral("TIPOFDAY.TXT"),
             QStringLiteral("Video.MDB"),
-            QStringLiteral("TVX Exercise Library.MDB")};
+            QStringLiteral("TVX Exercise Library.MDB"),
+            QStringLiteral("Patient Instructions.Doc")};
 }
 
 namespace {
