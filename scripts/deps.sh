@@ -8,11 +8,17 @@ TARVEX_PACKAGES=(
     fonts-liberation fonts-dejavu-core xvfb xauth ffmpeg poppler-utils unzip p7zip-full
     clang-format
 )
+# Only the tests need these: a real print queue (a private CUPS server whose cups-pdf
+# queue writes PDF files) and LibreOffice, which prints the patient instructions.
+TARVEX_TEST_PACKAGES=(
+    cups printer-driver-cups-pdf ghostscript libreoffice-writer libreoffice-core
+)
 
+# ensure_deps [extra packages...]
 ensure_deps() {
     local missing=()
     local pkg
-    for pkg in "${TARVEX_PACKAGES[@]}"; do
+    for pkg in "${TARVEX_PACKAGES[@]}" "$@"; do
         if ! dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null | grep -q "install ok installed"; then
             missing+=("$pkg")
         fi
