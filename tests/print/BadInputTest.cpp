@@ -13,6 +13,7 @@
 #include "print/PrintJob.h"
 #include "print/PrinterModule.h"
 #include "print/RecordingSurface.h"
+#include "print/SheetData.h"
 #include "program/ProgramStore.h"
 #include "shell/AppFolder.h"
 #include "shell/ShellHarness.h"
@@ -117,14 +118,7 @@ QString LongInstruction(int i, int view) {
 }
 
 void SetPatient(AppState& state) {
-    state.Clinic.Name = "Harbor PT";
-    state.Clinic.Phone = "555-0100";
-    state.SiteNumber = 4711;
-    state.Program.FullName = "Doe, Ann";
-    state.Program.Provider = "Dr. Lee";
-    state.Program.Usage = "2x per day";
-    state.Program.Date = QDateTime(QDate(1999, 3, 4), QTime(10, 0));
-    state.Prefs.PrintCallTVX = true;
+    tarvex::testing::SetSheetHeader(state);
     state.TollFreeOrder = QString::fromLatin1(kTollFreeOrder);
     state.TollFreeFax = QString::fromLatin1(kTollFreeFax);
 }
@@ -587,7 +581,8 @@ TEST_F(BadInput, PdfOfAnEmptyProgramHasOnePageForEachOfTheFiveJobs) {
 
 // --- Instructions of many lines ---------------------------------------------------------
 
-TEST_F(BadInput, LongInstructionsWrapInTheirColumnsAndRunOnOverWhatFollows) {
+// Twenty exercises whose three instructions all run far longer than the sheets have room for.
+void FillProgramWithLongInstructions(AppState& state) {
     FillProgram(state, 20);
     for (int i = 0; i < 20; ++i) {
         ExerciseEntry& e = state.Program.Exercise(i);
@@ -595,6 +590,10 @@ TEST_F(BadInput, LongInstructionsWrapInTheirColumnsAndRunOnOverWhatFollows) {
         e.Instruct1 = LongInstruction(i, 2);
         e.Instruct2 = LongInstruction(i, 3);
     }
+}
+
+TEST_F(BadInput, LongInstructionsWrapInTheirColumnsAndRunOnOverWhatFollows) {
+    FillProgramWithLongInstructions(state);
     for (const int job : {kJobExercises2, kJobExercises4}) {
         const SheetGeometry& geometry = GeometryOf(job);
         const int perPage = job == kJobExercises2 ? 2 : 4;
@@ -634,13 +633,7 @@ TEST_F(BadInput, LongInstructionsWrapInTheirColumnsAndRunOnOverWhatFollows) {
 }
 
 TEST_F(BadInput, PdfOfLongInstructionsHasTenAndFivePages) {
-    FillProgram(state, 20);
-    for (int i = 0; i < 20; ++i) {
-        ExerciseEntry& e = state.Program.Exercise(i);
-        e.Instruct0 = LongInstruction(i, 1);
-        e.Instruct1 = LongInstruction(i, 2);
-        e.Instruct2 = LongInstruction(i, 3);
-    }
+    FillProgramWithLongInstructions(state);
     for (const int job : {kJobExercises2, kJobExercises4}) {
         const QString file = Pdf(QStringLiteral("instructions-%1").arg(job));
         ASSERT_TRUE(RunJobToPdf(state, job, file));

@@ -5,6 +5,7 @@
 #include "print/PainterSurface.h"
 #include "print/PrintJob.h"
 #include "print/PrinterModule.h"
+#include "print/SheetData.h"
 #include "program/ProgramStore.h"
 #include "shell/AppFolder.h"
 #include "shell/ShellHarness.h"
@@ -40,14 +41,7 @@ void WritePicture(const QString& path, const QString& label) {
 }
 
 void FillProgram(AppState& state, const QString& pictures, int count) {
-    state.Clinic.Name = "Harbor Physical Therapy";
-    state.Clinic.Phone = "555-0100";
-    state.SiteNumber = 4711;
-    state.Program.FullName = "Doe, Ann";
-    state.Program.Provider = "Dr. Lee";
-    state.Program.Usage = "2x per day";
-    state.Program.Date = QDateTime(QDate(1999, 3, 4), QTime(10, 0));
-    state.Prefs.PrintCallTVX = true;
+    tarvex::testing::SetSheetHeader(state, "Harbor Physical Therapy");
     state.Media.Picture = pictures + "/";
     for (int i = 0; i < count; ++i) {
         ExerciseEntry& e = state.Program.Exercise(i);

@@ -3,6 +3,7 @@
 #include "print/PrintJob.h"
 #include "print/PrinterModule.h"
 #include "print/RecordingSurface.h"
+#include "print/SheetData.h"
 
 #include <QFile>
 #include <QImage>
@@ -29,16 +30,7 @@ struct SheetFixture : ::testing::Test {
     RecordingSurface surface;
     AppState state;
 
-    void SetUp() override {
-        state.Clinic.Name = "Harbor PT";
-        state.Clinic.Phone = "555-0100";
-        state.SiteNumber = 4711;
-        state.Program.FullName = "Doe, Ann";
-        state.Program.Provider = "Dr. Lee";
-        state.Program.Usage = "2x per day";
-        state.Program.Date = QDateTime(QDate(1999, 3, 4), QTime(10, 0));
-        state.Prefs.PrintCallTVX = true;
-    }
+    void SetUp() override { tarvex::testing::SetSheetHeader(state); }
 
     void Fill(int n) {
         for (int i = 0; i < n; ++i)
