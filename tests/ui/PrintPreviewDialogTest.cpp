@@ -158,3 +158,16 @@ TEST(PrintPreviewWindow, Screenshot) {
     ASSERT_TRUE(
         dialog->grab().save(QStringLiteral(TARVEX_SCREENSHOT_DIR) + "/print-preview-page2.png"));
 }
+
+TEST(PrintPreviewWindow, TheOrderFormAfterAPrintIsLaidOutAtThePreviewsInch) {
+    PreviewRun r(20);
+    r.state.SkipPrintDialog = true;
+    r.window.MenuCommands().Action("mnuPrintPatientRecord")->trigger();
+    ASSERT_EQ(r.state.Print.InchTwips, 1440); // what the print left
+    auto dialog = r.Open(kJobVideoOrder);
+    EXPECT_EQ(r.state.Print.InchTwips, 1080); // the preview opens at 0.75
+    EXPECT_EQ(r.state.Print.MarginTwips, 1080);
+    QDir().mkpath(TARVEX_SCREENSHOT_DIR);
+    ASSERT_TRUE(
+        dialog->grab().save(QStringLiteral(TARVEX_SCREENSHOT_DIR) + "/print-preview-order.png"));
+}
