@@ -44,6 +44,36 @@ void LayOutListWithButtons(QDialog* dialog, QTreeWidget* list, const QStringList
     layout->addLayout(column);
 }
 
+namespace {
+
+// Runs an action when the space bar goes down in the object it watches.
+class SpaceKeyFilter : public QObject {
+public:
+    SpaceKeyFilter(QObject* parent, std::function<void()> action)
+        : QObject(parent), action_(std::move(action)) {}
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::KeyPress &&
+            static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space)
+            action_();
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    std::function<void()> action_;
+};
+
+} // namespace
+
+void ConnectListEvents(QTreeWidget* list, const std::function<void()>& pick,
+                       const std::function<void()>& ok, const std::function<void(int)>& sort) {
+    list->installEventFilter(new SpaceKeyFilter(list, pick));
+    QObject::connect(list, &QTreeWidget::itemClicked, list, [pick] { pick(); });
+    QObject::connect(list, &QTreeWidget::itemDoubleClicked, list, [ok] { ok(); });
+    QObject::connect(list->header(), &QHeaderView::sectionClicked, list, sort);
+}
+
 SelectPatientDialog::SelectPatientDialog(AppState& state, Shell& shell, Prompter& prompter,
                                          std::function<void()> openEditor, QWidget* parent)
     : QDialog(parent), lstPatients(new QTreeWidget(this)), list_(lstPatients),
@@ -54,30 +84,20 @@ SelectPatientDialog::SelectPatientDialog(AppState& state, Shell& shell, Prompter
     LayOutListWithButtons(this, lstPatients, {QStringLiteral("Name"), QStringLiteral("ID")}, 260,
                           buttons_, {"OK", "Cancel", "New", "Edit", "Delete"},
                           [this](const QString& tag) { Run(tag); });
-    lstPatients->installEventFilter(this);
     resize(520, 380);
 
     IPatientDialogHost& host = *this;
     logic_ = std::make_unique<SelectPatientLogic>(state, shell, prompter, list_, buttons_, host);
     logic_->Load();
-    connect(lstPatients, &QTreeWidget::itemClicked, this, [this] { logic_->lstPatients_Click(); });
-    connect(lstPatients, &QTreeWidget::itemDoubleClicked, this,
-            [this] { Run(QStringLiteral("OK")); });
-    connect(lstPatients->header(), &QHeaderView::sectionClicked, this,
-            [this](int section) { logic_->lstPatients_ColumnClick(section); });
+    ConnectListEvents(
+        lstPatients, [this] { logic_->lstPatients_Click(); }, [this] { Run(QStringLiteral("OK")); },
+        [this](int section) { logic_->lstPatients_ColumnClick(section); });
 }
 
 SelectPatientDialog::~SelectPatientDialog() = default;
 
 QPushButton* SelectPatientDialog::Button(const QString& tag) const {
     return findChild<QPushButton*>(QStringLiteral("cmd") + tag);
-}
-
-bool SelectPatientDialog::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == lstPatients && event->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space)
-        logic_->lstPatients_Click();
-    return QDialog::eventFilter(watched, event);
 }
 
 void SelectPatientDialog::Run(const QString& tag) {

@@ -29,7 +29,6 @@ public:
     QPushButton* Button(const QString& tag) const;
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
@@ -72,6 +71,12 @@ private:
 void LayOutListWithButtons(QDialog* dialog, QTreeWidget* list, const QStringList& headers,
                            int firstColumnWidth, QtButtons& buttons, const QStringList& tags,
                            const std::function<void(const QString&)>& run);
+
+// What both list windows do alike with their list's events: a click or the space bar
+// picks the row (`pick`), a double click runs "OK" (`ok`), a click on a column heading
+// sorts by that column (`sort`).
+void ConnectListEvents(QTreeWidget* list, const std::function<void()>& pick,
+                       const std::function<void()>& ok, const std::function<void(int)>& sort);
 
 // Adds a row of tagged buttons to a dialog's layout and to its command set.
 QPushButton* AddTaggedButton(QWidget* parent, QtButtons& buttons, const QString& tag,

@@ -22,9 +22,6 @@ public:
     QTreeWidget* lstPatients;
     QPushButton* Button(const QString& tag) const;
 
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     void Run(const QString& tag);
 

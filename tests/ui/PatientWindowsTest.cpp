@@ -8,6 +8,7 @@
 #include "ui/ProgramListDialog.h"
 
 #include <QDir>
+#include <QHeaderView>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
@@ -112,4 +113,45 @@ TEST(PatientWindows, TheProgramsButtonListsStoredPrograms) {
     list->Button("Edit")->click();
     EXPECT_EQ(w.window.windowTitle(), "TVX Regimenter Patient: Okafor, Chidi");
     EXPECT_FALSE(p.IsNew);
+}
+
+TEST(PatientWindows, TheListsAnswerASortingHeadingClickAndADoubleClick) {
+    Window w;
+    w.AddPatient("Okafor", "Chidi", "MRN-3");
+    w.AddPatient("Lindqvist", "Astrid", "MRN-1");
+    w.AddPatient("Abara", "Ngozi", "MRN-2");
+    w.window.ToolbarCommands().Action("Patient")->trigger();
+    auto* dialog = w.window.findChild<SelectPatientDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    dialog->show();
+    QTreeWidget* list = dialog->lstPatients;
+    const QPoint idHeading(list->header()->sectionViewportPosition(1) + 5,
+                           list->header()->height() / 2);
+    QTest::mouseClick(list->header()->viewport(), Qt::LeftButton, {}, idHeading);
+    EXPECT_EQ(list->topLevelItem(0)->text(1), "MRN-1");
+    EXPECT_EQ(list->topLevelItem(2)->text(1), "MRN-3");
+    const QPoint row = list->visualItemRect(list->topLevelItem(2)).center();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row); // a double click's first press
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, row);
+    EXPECT_EQ(w.window.windowTitle(), "TVX Regimenter Patient: Okafor, Chidi");
+}
+
+TEST(PatientWindows, TheSpaceBarPicksTheRowOfTheProgramList) {
+    Window w;
+    w.AddPatient("Okafor", "Chidi", "MRN-1001");
+    ExerciseProgram& p = w.state.Program;
+    p.PatientID = 1;
+    p.FullName = "Okafor, Chidi";
+    p.IsNew = true;
+    p.Modified = true;
+    w.window.Programs().SaveProgram(false);
+    p.PatientID.reset();
+    w.window.ToolbarCommands().Action("Programs")->trigger();
+    auto* list = w.window.findChild<ProgramListDialog*>();
+    ASSERT_NE(list, nullptr);
+    list->show();
+    list->lstPatients->setCurrentItem(list->lstPatients->topLevelItem(0));
+    EXPECT_FALSE(list->Button("Edit")->isEnabled());
+    QTest::keyClick(list->lstPatients, Qt::Key_Space);
+    EXPECT_TRUE(list->Button("Edit")->isEnabled());
 }
