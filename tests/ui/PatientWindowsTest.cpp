@@ -25,6 +25,19 @@ void Save(QWidget* widget, const QString& name) {
     widget->grab().save(QStringLiteral(TARVEX_SCREENSHOT_DIR) + "/" + name);
 }
 
+// Stores a program of Okafor, Chidi and leaves no patient current.
+void StoreOneProgram(Window& w) {
+    w.AddPatient("Okafor", "Chidi", "MRN-1001");
+    ExerciseProgram& p = w.state.Program;
+    p.PatientID = 1;
+    p.FullName = "Okafor, Chidi";
+    p.IsNew = true;
+    p.Modified = true;
+    p.Date = QDateTime(QDate(2026, 11, 20), QTime(10, 0));
+    w.window.Programs().SaveProgram(false);
+    p.PatientID.reset();
+}
+
 } // namespace
 
 TEST(PatientWindows, ThePatientButtonOpensTheListAndOkChoosesThePatient) {
@@ -87,15 +100,8 @@ TEST(PatientWindows, ClosingTheListByItsFrameCountsAsCancel) {
 
 TEST(PatientWindows, TheProgramsButtonListsStoredPrograms) {
     Window w;
-    w.AddPatient("Okafor", "Chidi", "MRN-1001");
+    StoreOneProgram(w);
     ExerciseProgram& p = w.state.Program;
-    p.PatientID = 1;
-    p.FullName = "Okafor, Chidi";
-    p.IsNew = true;
-    p.Modified = true;
-    p.Date = QDateTime(QDate(2026, 11, 20), QTime(10, 0));
-    w.window.Programs().SaveProgram(false);
-    p.PatientID.reset();
     w.window.ToolbarCommands().Action("Programs")->trigger();
     auto* list = w.window.findChild<ProgramListDialog*>();
     ASSERT_NE(list, nullptr);
@@ -138,14 +144,7 @@ TEST(PatientWindows, TheListsAnswerASortingHeadingClickAndADoubleClick) {
 
 TEST(PatientWindows, TheSpaceBarPicksTheRowOfTheProgramList) {
     Window w;
-    w.AddPatient("Okafor", "Chidi", "MRN-1001");
-    ExerciseProgram& p = w.state.Program;
-    p.PatientID = 1;
-    p.FullName = "Okafor, Chidi";
-    p.IsNew = true;
-    p.Modified = true;
-    w.window.Programs().SaveProgram(false);
-    p.PatientID.reset();
+    StoreOneProgram(w);
     w.window.ToolbarCommands().Action("Programs")->trigger();
     auto* list = w.window.findChild<ProgramListDialog*>();
     ASSERT_NE(list, nullptr);
