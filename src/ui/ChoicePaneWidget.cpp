@@ -1,5 +1,7 @@
 #include "ui/ChoicePaneWidget.h"
 
+#include "ui/Guarded.h"
+
 #include "ui/PaneDrag.h"
 
 #include <QDragEnterEvent>
@@ -36,13 +38,13 @@ ChoicePaneWidget::ChoicePaneWidget(QWidget* parent)
         if (!logic_)
             return;
         if (scroll_->isSliderDown())
-            logic_->Panes().Scroll1Dragged(value);
+            RunGuarded([&] { logic_->Panes().Scroll1Dragged(value); });
         else
-            logic_->Panes().Scroll1Settled(value);
+            RunGuarded([&] { logic_->Panes().Scroll1Settled(value); });
     });
     connect(scroll_, &QScrollBar::sliderReleased, this, [this] {
         if (logic_)
-            logic_->Panes().Scroll1Settled(scroll_->value());
+            RunGuarded([&] { logic_->Panes().Scroll1Settled(scroll_->value()); });
     });
 }
 
@@ -180,7 +182,7 @@ void ChoicePaneWidget::mousePressEvent(QMouseEvent* event) {
     if (i < 0)
         return;
     pressed_ = i;
-    logic_->SrcPress(i);
+    RunGuarded([&] { logic_->SrcPress(i); });
 }
 
 void ChoicePaneWidget::mouseMoveEvent(QMouseEvent* event) {
@@ -195,15 +197,15 @@ void ChoicePaneWidget::mouseMoveEvent(QMouseEvent* event) {
     }
     const int i = CellAt(event->position().toPoint(), false);
     if (i >= 0)
-        logic_->PointerOverSource(i);
+        RunGuarded([&] { logic_->PointerOverSource(i); });
     else
-        logic_->PointerOverOther();
+        RunGuarded([&] { logic_->PointerOverOther(); });
 }
 
 void ChoicePaneWidget::mouseDoubleClickEvent(QMouseEvent* event) {
     const int i = CellAt(event->position().toPoint(), true);
     if (logic_ && i >= 0)
-        logic_->SrcDblClick(i);
+        RunGuarded([&] { logic_->SrcDblClick(i); });
 }
 
 void ChoicePaneWidget::dragEnterEvent(QDragEnterEvent* event) {
@@ -213,7 +215,7 @@ void ChoicePaneWidget::dragEnterEvent(QDragEnterEvent* event) {
 
 void ChoicePaneWidget::DropAt(const QMimeData* data) {
     if (logic_)
-        logic_->DeleteTarget(PaneDragSource(data));
+        RunGuarded([&] { logic_->DeleteTarget(PaneDragSource(data)); });
 }
 
 void ChoicePaneWidget::dropEvent(QDropEvent* event) {

@@ -1,6 +1,5 @@
 #include "ui/ClinicDialog.h"
 
-#include <QCloseEvent>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QGroupBox>
@@ -10,6 +9,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include "ui/Guarded.h"
 
 namespace tarvex {
 
@@ -36,7 +37,7 @@ QPlainTextEdit* AddressEdit(const char* name, QWidget* parent) {
 } // namespace
 
 ClinicDialog::ClinicDialog(AppState& state, Shell& shell, QWidget* parent)
-    : QDialog(parent),
+    : FormDialog(parent),
       SiteNumBox(LimitedEdit("SiteNumBox", ClinicDialogLogic::kSiteNumLimit, this)),
       txtName(LimitedEdit("txtName", ClinicDialogLogic::kNameLimit, this)),
       txtPhone(LimitedEdit("txtPhone", ClinicDialogLogic::kPhoneLimit, this)),
@@ -78,15 +79,16 @@ ClinicDialog::ClinicDialog(AppState& state, Shell& shell, QWidget* parent)
     logic_->Load();
 
     txtName->installEventFilter(this);
-    connect(cboPayMethod, &QComboBox::activated, this, [this] { logic_->cboPayMethod_Click(); });
+    connect(cboPayMethod, &QComboBox::activated, this,
+            Guarded([this] { logic_->cboPayMethod_Click(); }));
     connect(txtBillAddr, &QPlainTextEdit::textChanged, this,
-            [this] { logic_->txtAddress_Change(billAddr_); });
+            Guarded([this] { logic_->txtAddress_Change(billAddr_); }));
     connect(txtShipAddr, &QPlainTextEdit::textChanged, this,
-            [this] { logic_->txtAddress_Change(shipAddr_); });
+            Guarded([this] { logic_->txtAddress_Change(shipAddr_); }));
     connect(cmdCopyBillToShip, &QPushButton::clicked, this,
-            [this] { logic_->cmdCopyBillToShip(); });
-    connect(cmdOK, &QPushButton::clicked, this, &ClinicDialog::OnOKCancel);
-    connect(cmdCancel, &QPushButton::clicked, this, &ClinicDialog::OnOKCancel);
+            Guarded([this] { logic_->cmdCopyBillToShip(); }));
+    connect(cmdOK, &QPushButton::clicked, this, Guarded([this] { OnOKCancel(); }));
+    connect(cmdCancel, &QPushButton::clicked, this, Guarded([this] { OnOKCancel(); }));
 }
 
 ClinicDialog::~ClinicDialog() = default;
@@ -138,21 +140,17 @@ void ClinicDialog::BuildLayout() {
 
 bool ClinicDialog::eventFilter(QObject* watched, QEvent* event) {
     if (watched == txtName && event->type() == QEvent::FocusOut)
-        logic_->txtName_LostFocus();
-    return QDialog::eventFilter(watched, event);
+        RunGuarded([this] { logic_->txtName_LostFocus(); });
+    return FormDialog::eventFilter(watched, event);
 }
 
 void ClinicDialog::OnOKCancel() {
     if (logic_->cmdOKCancel(ButtonTag(sender())))
-        close();
+        EndByButton();
 }
 
-void ClinicDialog::closeEvent(QCloseEvent* event) {
-    if (!unloaded_) {
-        unloaded_ = true;
-        logic_->Unload();
-    }
-    QDialog::closeEvent(event);
+void ClinicDialog::Unload() {
+    logic_->Unload();
 }
 
 } // namespace tarvex

@@ -3,7 +3,7 @@
 #include "program/ClinicDialogLogic.h"
 #include "ui/QtControls.h"
 
-#include <QDialog>
+#include "ui/FormDialog.h"
 #include <memory>
 
 class QComboBox;
@@ -18,7 +18,7 @@ struct AppState;
 class Shell;
 
 // frmClinic, "Clinic Information".
-class ClinicDialog : public QDialog {
+class ClinicDialog : public FormDialog {
     Q_OBJECT
 public:
     ClinicDialog(AppState& state, Shell& shell, QWidget* parent = nullptr);
@@ -43,7 +43,7 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
-    void closeEvent(QCloseEvent* event) override;
+    void Unload() override;
 
 private:
     void BuildLayout();
@@ -54,7 +54,6 @@ private:
     QtComboBox payMethod_, shipMethod_;
     QtEnableable lblCardNum_, lblCardDate_, lblNameOnCard_;
     std::unique_ptr<ClinicDialogLogic> logic_;
-    bool unloaded_ = false;
 };
 
 } // namespace tarvex

@@ -1,5 +1,7 @@
 #include "ui/ExerciseParamsDialog.h"
 
+#include "ui/Guarded.h"
+
 #include "shell/Shell.h"
 
 #include <QComboBox>
@@ -90,7 +92,7 @@ private:
 };
 
 ExerciseParamsDialog::ExerciseParamsDialog(AppState& state, IParamsTarget& target, QWidget* parent)
-    : QDialog(parent), Image1(MakePictures(this)), txtInstr(MakeInstructions(this)),
+    : FormDialog(parent), Image1(MakePictures(this)), txtInstr(MakeInstructions(this)),
       fraExercises(
           Named(new QGroupBox(QStringLiteral("Exercises"), this), QStringLiteral("fraExercises"))),
       fraOptions(
@@ -134,17 +136,17 @@ ExerciseParamsDialog::ExerciseParamsDialog(AppState& state, IParamsTarget& targe
 
     for (QPushButton* button : cmdControl) {
         connect(button, &QPushButton::clicked, this,
-                [this, button] { logic_->cmdControl(button->property("index").toInt()); });
+                Guarded([this, button] { logic_->cmdControl(button->property("index").toInt()); }));
     }
     for (QLineEdit* edit : txtInstr)
         connect(edit, &QLineEdit::textEdited, edit, &QLineEdit::setToolTip);
-    connect(cmdOK, &QPushButton::clicked, this, &ExerciseParamsDialog::OnOKCancel);
-    connect(cmdCancel, &QPushButton::clicked, this, &ExerciseParamsDialog::OnOKCancel);
+    connect(cmdOK, &QPushButton::clicked, this, Guarded([this] { OnOKCancel(); }));
+    connect(cmdCancel, &QPushButton::clicked, this, Guarded([this] { OnOKCancel(); }));
 }
 
 ExerciseParamsDialog::~ExerciseParamsDialog() {
     // A dialog that goes without being closed still closes its movie.
-    UnloadOnce();
+    EnsureUnloaded();
 }
 
 void ExerciseParamsDialog::BuildLayout() {
@@ -194,7 +196,7 @@ void ExerciseParamsDialog::BuildLayout() {
 
 void ExerciseParamsDialog::setVisible(bool visible) {
     if (!visible || loaded_) {
-        QDialog::setVisible(visible);
+        FormDialog::setVisible(visible);
         return;
     }
     // The first show is the load: placed, filled, shown in the middle of it (so that the
@@ -218,7 +220,7 @@ void ExerciseParamsDialog::setVisible(bool visible) {
 
 void ExerciseParamsDialog::ShowNow() {
     if (!isVisible())
-        QDialog::setVisible(true);
+        FormDialog::setVisible(true);
 }
 
 void ExerciseParamsDialog::PlaceOnScreen() {
@@ -233,22 +235,10 @@ void ExerciseParamsDialog::OnOKCancel() {
     const QString tag = ButtonTag(sender());
     if (!logic_->cmdOKCancel(tag))
         return;
-    if (tag == QLatin1String("OK"))
-        accept();
-    else
-        reject();
+    EndByButton(tag == QLatin1String("OK") ? Accepted : Rejected);
 }
 
-void ExerciseParamsDialog::done(int result) {
-    // Every way out passes here: OK, Cancel, Escape and the window's close box.
-    UnloadOnce();
-    QDialog::done(result);
-}
-
-void ExerciseParamsDialog::UnloadOnce() {
-    if (unloaded_)
-        return;
-    unloaded_ = true;
+void ExerciseParamsDialog::Unload() {
     logic_->Unload();
 }
 

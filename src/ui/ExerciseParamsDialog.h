@@ -4,7 +4,8 @@
 #include "ui/QtControls.h"
 #include "ui/QtMediaLibrary.h"
 
-#include <QDialog>
+#include "ui/FormDialog.h"
+
 #include <array>
 #include <memory>
 
@@ -22,7 +23,7 @@ struct AppState;
 // frmExerciseParams: repetitions, hold and sets of one exercise, its pictures and
 // instruction lines, and its movie. Shown modally by the selection workspace after it has
 // set CurrentChoice and ParamsFromLibrary; it loads when it is first shown.
-class ExerciseParamsDialog : public QDialog {
+class ExerciseParamsDialog : public FormDialog {
     Q_OBJECT
 public:
     ExerciseParamsDialog(AppState& state, IParamsTarget& target, QWidget* parent = nullptr);
@@ -50,7 +51,6 @@ public:
     ExerciseParamsLogic& Logic() { return *logic_; }
     QtMediaLibrary& Media() { return media_; }
 
-    void done(int result) override;
     // The first show runs the load.
     void setVisible(bool visible) override;
 
@@ -61,7 +61,7 @@ private:
     void BuildLayout();
     void OnOKCancel();
     void PlaceOnScreen();
-    void UnloadOnce();
+    void Unload() override;
 
     QtComboBox reps_, hold_, sets_;
     std::array<std::unique_ptr<QtLineEdit>, 3> instr_;
@@ -71,7 +71,6 @@ private:
     std::unique_ptr<Form> form_;
     std::unique_ptr<ExerciseParamsLogic> logic_;
     bool loaded_ = false;
-    bool unloaded_ = false;
 };
 
 } // namespace tarvex

@@ -1,7 +1,8 @@
 #include "ui/ItemsDialog.h"
 
+#include "ui/Guarded.h"
+
 #include <QCheckBox>
-#include <QCloseEvent>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QFrame>
@@ -73,7 +74,7 @@ void QtVisibility::SetVisible(bool visible) {
 }
 
 ItemsDialog::ItemsDialog(AppState& state, Shell& shell, ProgramStore& store, QWidget* parent)
-    : QDialog(parent), txtBillAddr(AddressEdit("txtBillAddr", this)),
+    : FormDialog(parent), txtBillAddr(AddressEdit("txtBillAddr", this)),
       txtShiptoBill(Named(new QPushButton(QStringLiteral("Copy >>"), this), "txtShiptoBill")),
       txtShipAddr(AddressEdit("txtShipAddr", this)),
       lblShipPhone(Named(new QLabel(QStringLiteral("Phone:"), this), "lblShipPhone")),
@@ -142,12 +143,15 @@ ItemsDialog::ItemsDialog(AppState& state, Shell& shell, ProgramStore& store, QWi
     logic_->Load();
 
     for (QCheckBox* box : {chkVideo, chkBand, chkBall, chkTax})
-        connect(box, &QCheckBox::clicked, this, [this] { logic_->ShowItemPrices(); });
-    connect(cboShipMethod, &QComboBox::activated, this, [this] { logic_->ShowItemPrices(); });
-    connect(cboPayMethod, &QComboBox::activated, this, [this] { logic_->cboPayMethod_Click(); });
-    connect(txtShiptoBill, &QPushButton::clicked, this, [this] { logic_->txtShiptoBill_Click(); });
-    connect(cmdOK, &QPushButton::clicked, this, &ItemsDialog::OnOKCancel);
-    connect(cmdCancel, &QPushButton::clicked, this, &ItemsDialog::OnOKCancel);
+        connect(box, &QCheckBox::clicked, this, Guarded([this] { logic_->ShowItemPrices(); }));
+    connect(cboShipMethod, &QComboBox::activated, this,
+            Guarded([this] { logic_->ShowItemPrices(); }));
+    connect(cboPayMethod, &QComboBox::activated, this,
+            Guarded([this] { logic_->cboPayMethod_Click(); }));
+    connect(txtShiptoBill, &QPushButton::clicked, this,
+            Guarded([this] { logic_->txtShiptoBill_Click(); }));
+    connect(cmdOK, &QPushButton::clicked, this, Guarded([this] { OnOKCancel(); }));
+    connect(cmdCancel, &QPushButton::clicked, this, Guarded([this] { OnOKCancel(); }));
 }
 
 ItemsDialog::~ItemsDialog() = default;
@@ -224,26 +228,17 @@ void ItemsDialog::BuildLayout() {
 }
 
 void ItemsDialog::OnOKCancel() {
-    buttonPressed_ = true;
+    // OK saves once and the form unloads; a fault in the save leaves it open.
     if (logic_->cmdOKCancel(ButtonTag(sender())))
-        close();
+        EndByButton();
 }
 
-void ItemsDialog::reject() {
-    // Esc and the close box act as Cancel, so that the commands come back.
-    close();
+void ItemsDialog::CancelByFrame() {
+    logic_->cmdOKCancel(QStringLiteral("Cancel"));
 }
 
-void ItemsDialog::closeEvent(QCloseEvent* event) {
-    if (!buttonPressed_) {
-        buttonPressed_ = true;
-        logic_->cmdOKCancel(QStringLiteral("Cancel"));
-    }
-    if (!unloaded_) {
-        unloaded_ = true;
-        logic_->Unload();
-    }
-    QDialog::closeEvent(event);
+void ItemsDialog::Unload() {
+    logic_->Unload();
 }
 
 } // namespace tarvex

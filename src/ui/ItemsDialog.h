@@ -3,7 +3,8 @@
 #include "program/OrderDetailsLogic.h"
 #include "ui/QtControls.h"
 
-#include <QDialog>
+#include "ui/FormDialog.h"
+
 #include <QPointer>
 #include <memory>
 
@@ -45,7 +46,7 @@ private:
 };
 
 // frmItems, "Order Items": the order of the video tape of the current program.
-class ItemsDialog : public QDialog {
+class ItemsDialog : public FormDialog {
     Q_OBJECT
 public:
     ItemsDialog(AppState& state, Shell& shell, ProgramStore& store, QWidget* parent = nullptr);
@@ -80,8 +81,8 @@ public:
     OrderDetailsLogic& Logic() { return *logic_; }
 
 protected:
-    void closeEvent(QCloseEvent* event) override;
-    void reject() override;
+    void CancelByFrame() override;
+    void Unload() override;
 
 private:
     void BuildLayout();
@@ -94,8 +95,6 @@ private:
     QtCheckBox video_, band_, ball_, tax_;
     QtLabelCaption videoPrice_, bandPrice_, ballPrice_, shipPrice_, taxAmount_, subTotal_, total_;
     std::unique_ptr<OrderDetailsLogic> logic_;
-    bool buttonPressed_ = false;
-    bool unloaded_ = false;
 };
 
 } // namespace tarvex

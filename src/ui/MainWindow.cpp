@@ -6,6 +6,7 @@
 #include "shell/AppState.h"
 #include "shell/SingleInstance.h"
 #include "ui/ClinicDialog.h"
+#include "ui/Guarded.h"
 #include "ui/ItemsDialog.h"
 #include "ui/PatientDialogs.h"
 #include "ui/PreferencesDialog.h"
@@ -18,14 +19,17 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
 #include <QFileInfo>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMenuBar>
 #include <QPageSize>
 #include <QPrintDialog>
+#include <QPrinterInfo>
 #include <QProcess>
 #include <QScreen>
+#include <QStandardPaths>
 #include <QStatusBar>
 #include <QStyle>
 #include <QToolBar>
@@ -86,7 +90,7 @@ void MainWindow::BuildToolbar() {
         QAction* action = bar->addAction(style()->standardIcon(b.icon), key);
         action->setObjectName(key);
         action->setToolTip(QLatin1String(b.tip));
-        connect(action, &QAction::triggered, this, [this, key] { OnToolbar(key); });
+        connect(action, &QAction::triggered, this, Guarded([this, key] { OnToolbar(key); }));
         toolbar_.Add(key, action);
         for (int i = 0; i < b.separatorsAfter; ++i)
             bar->addSeparator();
@@ -106,22 +110,23 @@ void MainWindow::BuildMenu() {
     QMenu* print = file->addMenu(QStringLiteral("Print"));
     menu_.Add(QStringLiteral("mnuPrint"), print->menuAction());
     const auto later = [this](QAction* action, const QString& what) {
-        connect(action, &QAction::triggered, this, [this, what] { NotYetAvailable(what); });
+        connect(action, &QAction::triggered, this,
+                Guarded([this, what] { NotYetAvailable(what); }));
     };
     connect(AddMenuEntry(print, "mnuPrintEx4", "Exercises &4/page"), &QAction::triggered, this,
-            [this] {
+            Guarded([this] {
                 PrintExercises(kJobExercises4, QStringLiteral("Printing 4 Exercises Per Page"));
-            });
+            }));
     connect(AddMenuEntry(print, "mnuPrintEx2", "Exercises &2/page"), &QAction::triggered, this,
-            [this] {
+            Guarded([this] {
                 PrintExercises(kJobExercises2, QStringLiteral("Printing 2 Exercises Per Page"));
-            });
+            }));
     connect(AddMenuEntry(print, "mnuPrintPatientRecord", "Patient &Record"), &QAction::triggered,
-            this, [this] { PrintJob(kJobPatientRecord); });
+            this, Guarded([this] { PrintJob(kJobPatientRecord); }));
     connect(AddMenuEntry(print, "mnuPrintVideo", "&Video Order"), &QAction::triggered, this,
-            [this] { PrintJob(kJobVideoOrder); });
+            Guarded([this] { PrintJob(kJobVideoOrder); }));
     connect(AddMenuEntry(print, "mnuPrintCover", "&Cover Page"), &QAction::triggered, this,
-            &MainWindow::PrintCoverDocument);
+            Guarded([this] { PrintCoverDocument(); }));
     QMenu* preview = file->addMenu(QStringLiteral("Preview"));
     menu_.Add(QStringLiteral("mnuPreview"), preview->menuAction());
     struct PreviewEntry {
@@ -139,15 +144,15 @@ void MainWindow::BuildMenu() {
     for (const PreviewEntry& entry : previews) {
         const int job = entry.job;
         connect(AddMenuEntry(preview, entry.key, entry.caption), &QAction::triggered, this,
-                [this, job] { OpenPreview(job); });
+                Guarded([this, job] { OpenPreview(job); }));
     }
     file->addSeparator()->setObjectName(QStringLiteral("mnuSep0"));
     connect(AddMenuEntry(file, "mnuClinic", "&Clinic Info"), &QAction::triggered, this,
-            &MainWindow::OpenClinic);
+            Guarded([this] { OpenClinic(); }));
     later(AddMenuEntry(file, "mnuSetMedia", "&Media Location"), "Media locations");
     later(AddMenuEntry(file, "mnuCopyPictures", "&Copy Pictures"), "Copying pictures");
     connect(AddMenuEntry(file, "mnuPreferences", "&Preferences"), &QAction::triggered, this,
-            &MainWindow::OpenPreferences);
+            Guarded([this] { OpenPreferences(); }));
     file->addSeparator()->setObjectName(QStringLiteral("mnuSep1"));
     connect(AddMenuEntry(file, "mnuExit", "E&xit"), &QAction::triggered, this, &QWidget::close);
 
@@ -263,16 +268,20 @@ bool MainWindow::RunJobOn(PageSurface& surface, int job) {
 
 void MainWindow::PrintExercises(int job, const QString& statusText) {
     shell_->SetStatusBar(statusText);
-    QApplication::setOverrideCursor(Qt::WaitCursor);
+    bool printed = false;
     {
+        const BusyCursor busy;
         PrinterSurface surface(printer_);
-        // The cover sheet comes first when it is wanted; it leaves the document open.
-        const bool cover = state_.Prefs.PrintPatientCover;
-        if (!cover || RunJobOn(surface, kJobCoverSheet))
-            RunJobOn(surface, job);
+        // The cover sheet comes first when it is wanted and leaves the document open. The
+        // sheets follow whatever became of it: a cancelled or failed cover stops the cover
+        // only, and its printer dialog holds for the sheets as well.
+        if (state_.Prefs.PrintPatientCover)
+            RunJobOn(surface, kJobCoverSheet);
+        printed = RunJobOn(surface, job);
     }
-    QApplication::restoreOverrideCursor();
     shell_->SetStatusBarReady();
+    if (!printed)
+        NoteUnprinted();
 }
 
 void MainWindow::OpenPreview(int job) {
@@ -283,17 +292,44 @@ void MainWindow::OpenPreview(int job) {
 }
 
 void MainWindow::PrintJob(int job) {
-    PrinterSurface surface(printer_);
-    RunJobOn(surface, job);
+    bool printed = false;
+    {
+        const BusyCursor busy;
+        PrinterSurface surface(printer_);
+        printed = RunJobOn(surface, job);
+    }
+    if (!printed)
+        NoteUnprinted();
+}
+
+void MainWindow::NoteUnprinted() {
+    // Printing fails without a message box; the status line says what became of it. A
+    // printer dialog that was cancelled needs no word.
+    if (QPrinterInfo::availablePrinters().isEmpty())
+        shell_->SetStatusBar(
+            QStringLiteral("Nothing was printed: no printer is set up on this computer."));
+    else if (printer_.printerState() == QPrinter::Error)
+        shell_->SetStatusBar(QStringLiteral("Nothing was printed: the printer %1 did not take "
+                                            "the job.")
+                                 .arg(printer_.printerName()));
 }
 
 void MainWindow::PrintCoverDocument() {
     // The patient instructions are a word-processor document, printed by LibreOffice
     // when it is installed; any failure is ignored without a word.
     const QString document = AppPathAndFName(state_, QStringLiteral("Patient Instructions.Doc"));
-    if (QFileInfo::exists(document))
-        QProcess::startDetached(QStringLiteral("soffice"),
-                                {QStringLiteral("--headless"), QStringLiteral("-p"), document});
+    const QString office = QStandardPaths::findExecutable(QStringLiteral("soffice"));
+    if (!QFileInfo::exists(document))
+        shell_->SetStatusBar(QStringLiteral("The patient instructions were not printed: %1 is "
+                                            "missing.")
+                                 .arg(QDir::toNativeSeparators(document)));
+    else if (office.isEmpty())
+        shell_->SetStatusBar(QStringLiteral("The patient instructions were not printed: "
+                                            "LibreOffice is not installed."));
+    else if (!QProcess::startDetached(
+                 office, {QStringLiteral("--headless"), QStringLiteral("-p"), document}))
+        shell_->SetStatusBar(QStringLiteral("The patient instructions were not printed: "
+                                            "LibreOffice could not be started."));
 }
 
 void MainWindow::PlaceDialog(QWidget* dialog) const {
@@ -347,6 +383,10 @@ void MainWindow::ShowCheckMedia() {
 
 bool MainWindow::Show() {
     QPrintDialog dialog(&printer_, this);
+    // Every job prints whole: the dialog offers no choice of pages and no selection.
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange, false);
+    dialog.setOption(QAbstractPrintDialog::PrintSelection, false);
+    dialog.setOption(QAbstractPrintDialog::PrintCurrentPage, false);
     return dialog.exec() == QDialog::Accepted;
 }
 

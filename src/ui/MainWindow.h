@@ -72,6 +72,7 @@ private:
     void OpenProgramList();
     void OpenClinic();
     void NotYetAvailable(const QString& what);
+    void NoteUnprinted();
 
     AppState& state_;
     ISettingsStore& store_;

@@ -1,6 +1,7 @@
 #include "ui/PatientDialogs.h"
 
-#include <QCloseEvent>
+#include "ui/Guarded.h"
+
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -35,7 +36,7 @@ void LayOutListWithButtons(QDialog* dialog, QTreeWidget* list, const QStringList
     auto* column = new QVBoxLayout;
     for (const QString& tag : tags) {
         QPushButton* button = AddTaggedButton(dialog, buttons, tag);
-        QObject::connect(button, &QPushButton::clicked, dialog, [run, tag] { run(tag); });
+        QObject::connect(button, &QPushButton::clicked, dialog, Guarded([run, tag] { run(tag); }));
         column->addWidget(button);
     }
     column->addStretch();
@@ -56,7 +57,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::KeyPress &&
             static_cast<QKeyEvent*>(event)->key() == Qt::Key_Space)
-            action_();
+            RunGuarded(action_);
         return QObject::eventFilter(watched, event);
     }
 
@@ -69,14 +70,15 @@ private:
 void ConnectListEvents(QTreeWidget* list, const std::function<void()>& pick,
                        const std::function<void()>& ok, const std::function<void(int)>& sort) {
     list->installEventFilter(new SpaceKeyFilter(list, pick));
-    QObject::connect(list, &QTreeWidget::itemClicked, list, [pick] { pick(); });
-    QObject::connect(list, &QTreeWidget::itemDoubleClicked, list, [ok] { ok(); });
-    QObject::connect(list->header(), &QHeaderView::sectionClicked, list, sort);
+    QObject::connect(list, &QTreeWidget::itemClicked, list, Guarded([pick] { pick(); }));
+    QObject::connect(list, &QTreeWidget::itemDoubleClicked, list, Guarded([ok] { ok(); }));
+    QObject::connect(list->header(), &QHeaderView::sectionClicked, list,
+                     Guarded([sort](int section) { sort(section); }));
 }
 
 SelectPatientDialog::SelectPatientDialog(AppState& state, Shell& shell, Prompter& prompter,
                                          std::function<void()> openEditor, QWidget* parent)
-    : QDialog(parent), lstPatients(new QTreeWidget(this)), list_(lstPatients),
+    : FormDialog(parent), lstPatients(new QTreeWidget(this)), list_(lstPatients),
       openEditor_(std::move(openEditor)) {
     setObjectName(QStringLiteral("frmSelectPatient"));
     setWindowTitle(QStringLiteral("Select a Patient"));
@@ -102,8 +104,7 @@ QPushButton* SelectPatientDialog::Button(const QString& tag) const {
 
 void SelectPatientDialog::Run(const QString& tag) {
     logic_->cmdOKCancel(tag); // a fault ends here, and the dialog stays open
-    done_ = true;
-    close();
+    EndByButton();
 }
 
 void SelectPatientDialog::ShowEditPatient() {
@@ -111,17 +112,12 @@ void SelectPatientDialog::ShowEditPatient() {
         openEditor_();
 }
 
-void SelectPatientDialog::closeEvent(QCloseEvent* event) {
-    // Closing the window by its frame counts as "Cancel", so the commands come back.
-    if (!done_) {
-        done_ = true;
-        logic_->cmdOKCancel(QStringLiteral("Cancel"));
-    }
-    QDialog::closeEvent(event);
+void SelectPatientDialog::CancelByFrame() {
+    logic_->cmdOKCancel(QStringLiteral("Cancel"));
 }
 
 EditPatientDialog::EditPatientDialog(AppState& state, Shell& shell, QWidget* parent)
-    : QDialog(parent), txtLastName(new QLineEdit(this)), txtFirstName(new QLineEdit(this)),
+    : FormDialog(parent), txtLastName(new QLineEdit(this)), txtFirstName(new QLineEdit(this)),
       txtID(new QLineEdit(this)), last_(txtLastName), first_(txtFirstName), id_(txtID) {
     setObjectName(QStringLiteral("frmEditPatient"));
     setWindowTitle(QStringLiteral("Patient Information"));
@@ -150,24 +146,20 @@ EditPatientDialog::EditPatientDialog(AppState& state, Shell& shell, QWidget* par
 
     logic_ = std::make_unique<EditPatientLogic>(state, shell, last_, first_, id_);
     logic_->Load();
-    connect(cmdOK, &QPushButton::clicked, this, [this] { Run(QStringLiteral("OK")); });
-    connect(cmdCancel, &QPushButton::clicked, this, [this] { Run(QStringLiteral("Cancel")); });
+    connect(cmdOK, &QPushButton::clicked, this, Guarded([this] { Run(QStringLiteral("OK")); }));
+    connect(cmdCancel, &QPushButton::clicked, this,
+            Guarded([this] { Run(QStringLiteral("Cancel")); }));
 }
 
 EditPatientDialog::~EditPatientDialog() = default;
 
 void EditPatientDialog::Run(const QString& tag) {
     logic_->cmdOKCancel(tag);
-    done_ = true;
-    close();
+    EndByButton();
 }
 
-void EditPatientDialog::closeEvent(QCloseEvent* event) {
-    if (!done_) {
-        done_ = true;
-        logic_->cmdOKCancel(QStringLiteral("Cancel"));
-    }
-    QDialog::closeEvent(event);
+void EditPatientDialog::CancelByFrame() {
+    logic_->cmdOKCancel(QStringLiteral("Cancel"));
 }
 
 } // namespace tarvex

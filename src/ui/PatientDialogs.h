@@ -3,7 +3,8 @@
 #include "program/PatientLogic.h"
 #include "ui/QtControls.h"
 
-#include <QDialog>
+#include "ui/FormDialog.h"
+
 #include <functional>
 #include <memory>
 
@@ -17,7 +18,7 @@ class Shell;
 class Prompter;
 
 // frmSelectPatient, "Select a Patient".
-class SelectPatientDialog : public QDialog, private IPatientDialogHost {
+class SelectPatientDialog : public FormDialog, private IPatientDialogHost {
     Q_OBJECT
 public:
     // openEditor shows "Patient Information"; the main window places it.
@@ -29,7 +30,7 @@ public:
     QPushButton* Button(const QString& tag) const;
 
 protected:
-    void closeEvent(QCloseEvent* event) override;
+    void CancelByFrame() override;
 
 private:
     void ShowEditPatient() override;
@@ -39,11 +40,10 @@ private:
     QtButtons buttons_;
     std::function<void()> openEditor_;
     std::unique_ptr<SelectPatientLogic> logic_;
-    bool done_ = false;
 };
 
 // frmEditPatient, "Patient Information".
-class EditPatientDialog : public QDialog {
+class EditPatientDialog : public FormDialog {
     Q_OBJECT
 public:
     EditPatientDialog(AppState& state, Shell& shell, QWidget* parent = nullptr);
@@ -56,14 +56,13 @@ public:
     QPushButton* cmdCancel;
 
 protected:
-    void closeEvent(QCloseEvent* event) override;
+    void CancelByFrame() override;
 
 private:
     void Run(const QString& tag);
 
     QtLineEdit last_, first_, id_;
     std::unique_ptr<EditPatientLogic> logic_;
-    bool done_ = false;
 };
 
 // Lays out a report list of the given columns with a column of tagged buttons at its

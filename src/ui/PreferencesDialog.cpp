@@ -6,6 +6,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "ui/Guarded.h"
+
 namespace tarvex {
 
 namespace {
@@ -21,7 +23,7 @@ QPushButton* TaggedButton(const QString& caption, const QString& tag, const QStr
 } // namespace
 
 PreferencesDialog::PreferencesDialog(AppState& state, QWidget* parent)
-    : QDialog(parent),
+    : FormDialog(parent),
       chkPrintCover(new QCheckBox(QStringLiteral("Print Patient's Cover Sheet"), this)),
       chkCallTVX(new QCheckBox(QStringLiteral("Print \"Call TVX\" prompt"), this)),
       chkShowTips(new QCheckBox(QStringLiteral("Show Tips at Startup"), this)),
@@ -61,17 +63,17 @@ PreferencesDialog::PreferencesDialog(AppState& state, QWidget* parent)
     logic_ = std::make_unique<PreferencesLogic>(
         state, PreferencesLogic::Controls{printCover_, callTVX_, showTips_}, desktop_);
     logic_->InitPreferences();
-    connect(cmdOK, &QPushButton::clicked, this, &PreferencesDialog::OnOKCancel);
-    connect(cmdCancel, &QPushButton::clicked, this, &PreferencesDialog::OnOKCancel);
+    connect(cmdOK, &QPushButton::clicked, this, Guarded([this] { OnOKCancel(); }));
+    connect(cmdCancel, &QPushButton::clicked, this, Guarded([this] { OnOKCancel(); }));
     connect(cmdEditCoverSheet, &QPushButton::clicked, this,
-            [this] { logic_->cmdEditCoverSheet(); });
+            Guarded([this] { logic_->cmdEditCoverSheet(); }));
 }
 
 PreferencesDialog::~PreferencesDialog() = default;
 
 void PreferencesDialog::OnOKCancel() {
     if (logic_->cmdOKCancel(ButtonTag(sender())))
-        close();
+        EndByButton();
 }
 
 } // namespace tarvex

@@ -3,7 +3,7 @@
 #include "shell/PreferencesLogic.h"
 #include "ui/QtControls.h"
 
-#include <QDialog>
+#include "ui/FormDialog.h"
 #include <memory>
 
 class QCheckBox;
@@ -14,7 +14,7 @@ namespace tarvex {
 struct AppState;
 
 // frmPreferences.
-class PreferencesDialog : public QDialog {
+class PreferencesDialog : public FormDialog {
     Q_OBJECT
 public:
     PreferencesDialog(AppState& state, QWidget* parent = nullptr);

@@ -1,5 +1,7 @@
 #include "ui/PrintPreviewDialog.h"
 
+#include "ui/Guarded.h"
+
 #include "print/PainterSurface.h"
 #include "ui/PrinterSurface.h"
 
@@ -81,7 +83,7 @@ int KeyCode(int qtKey) {
 
 PrintPreviewDialog::PrintPreviewDialog(AppState& state, QPrinter& printer,
                                        std::function<bool()> printDialog, QWidget* parent)
-    : QDialog(parent), printer_(printer), printDialog_(std::move(printDialog)) {
+    : FormDialog(parent), printer_(printer), printDialog_(std::move(printDialog)) {
     setObjectName(QStringLiteral("frmPrintPreview"));
     setWindowTitle(QStringLiteral("Print Preview"));
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
@@ -95,7 +97,7 @@ PrintPreviewDialog::PrintPreviewDialog(AppState& state, QPrinter& printer,
         QAction* action = Toolbar1->addAction(style()->standardIcon(b.icon), key);
         action->setObjectName(key);
         action->setToolTip(QLatin1String(b.tip));
-        connect(action, &QAction::triggered, this, [this, key] { OnToolbar(key); });
+        connect(action, &QAction::triggered, this, Guarded([this, key] { OnToolbar(key); }));
         buttons_.insert(key, action);
     }
     StatusBar1 = new QStatusBar(this);
@@ -123,22 +125,22 @@ PrintPreviewDialog::PrintPreviewDialog(AppState& state, QPrinter& printer,
     PatchPict->setAutoFillBackground(true);
     for (QScrollBar* bar : {VScroll1, HScroll1})
         bar->installEventFilter(this);
-    connect(VScroll1, &QScrollBar::valueChanged, this, [this](int value) {
-        if (!syncing_)
-            logic_->VScrollChanged(value);
-    });
-    connect(VScroll1, &QScrollBar::sliderMoved, this, [this](int value) {
-        if (!syncing_)
-            logic_->VScrollScrolled(value);
-    });
-    connect(HScroll1, &QScrollBar::valueChanged, this, [this](int value) {
-        if (!syncing_)
-            logic_->HScrollChanged(value);
-    });
-    connect(HScroll1, &QScrollBar::sliderMoved, this, [this](int value) {
-        if (!syncing_)
-            logic_->HScrollScrolled(value);
-    });
+    connect(VScroll1, &QScrollBar::valueChanged, this, Guarded([this](int value) {
+                if (!syncing_)
+                    logic_->VScrollChanged(value);
+            }));
+    connect(VScroll1, &QScrollBar::sliderMoved, this, Guarded([this](int value) {
+                if (!syncing_)
+                    logic_->VScrollScrolled(value);
+            }));
+    connect(HScroll1, &QScrollBar::valueChanged, this, Guarded([this](int value) {
+                if (!syncing_)
+                    logic_->HScrollChanged(value);
+            }));
+    connect(HScroll1, &QScrollBar::sliderMoved, this, Guarded([this](int value) {
+                if (!syncing_)
+                    logic_->HScrollScrolled(value);
+            }));
 
     const double twipsPerPixel = 1440.0 / std::max(1, logicalDpiY());
     printerSurface_ = std::make_unique<PrinterSurface>(printer_);
@@ -225,12 +227,13 @@ void PrintPreviewDialog::Sync() {
 }
 
 void PrintPreviewDialog::OnToolbar(const QString& key) {
-    const bool busy = key.startsWith(QLatin1String("Zoom"));
-    if (busy)
-        QApplication::setOverrideCursor(Qt::WaitCursor);
-    const PreviewAction action = logic_->Toolbar(key);
-    if (busy)
-        QApplication::restoreOverrideCursor();
+    PreviewAction action = PreviewAction::None;
+    if (key.startsWith(QLatin1String("Zoom"))) {
+        const BusyCursor busy;
+        action = logic_->Toolbar(key);
+    } else {
+        action = logic_->Toolbar(key);
+    }
     if (action == PreviewAction::Print)
         PrintFromPreview();
     else if (action == PreviewAction::Close)
@@ -238,25 +241,26 @@ void PrintPreviewDialog::OnToolbar(const QString& key) {
 }
 
 void PrintPreviewDialog::PrintFromPreview() {
-    QApplication::setOverrideCursor(Qt::WaitCursor);
     {
+        const BusyCursor busy;
         PrinterSurface surface(printer_);
         logic_->PrintFromPreview(surface, printDialog_);
     }
-    QApplication::restoreOverrideCursor();
     Sync();
 }
 
 bool PrintPreviewDialog::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress)
-        return QDialog::eventFilter(watched, event);
+        return FormDialog::eventFilter(watched, event);
     const int code = KeyCode(static_cast<QKeyEvent*>(event)->key());
     PreviewKeyTarget target = PreviewKeyTarget::Page;
     if (watched == VScroll1 || watched == HScroll1)
         target = PreviewKeyTarget::ScrollBar;
     else if (watched == OuterFrame)
         target = PreviewKeyTarget::Frame;
-    if (logic_->KeyDown(target, code) == PreviewAction::Close) {
+    PreviewAction action = PreviewAction::None;
+    RunGuarded([&] { action = logic_->KeyDown(target, code); });
+    if (action == PreviewAction::Close) {
         close();
         return true;
     }

@@ -2,7 +2,8 @@
 
 #include "print/PreviewLogic.h"
 
-#include <QDialog>
+#include "ui/FormDialog.h"
+
 #include <QHash>
 #include <functional>
 #include <memory>
@@ -23,7 +24,7 @@ class PainterSurface;
 // frmPrintPreview, "Print Preview": the pages of the job in PrintJobKind, drawn by the
 // printer's own routines on page pictures. Opened modally; printing from it runs the job
 // on the printer.
-class PrintPreviewDialog : public QDialog {
+class PrintPreviewDialog : public FormDialog {
     Q_OBJECT
 public:
     // printDialog asks for the printer before a job prints (false: cancelled).

@@ -9,7 +9,7 @@ namespace tarvex {
 
 ProgramListDialog::ProgramListDialog(AppState& state, Shell& shell, Prompter& prompter,
                                      ProgramStore& store, QWidget* parent)
-    : QDialog(parent), lstPatients(new QTreeWidget(this)), list_(lstPatients) {
+    : FormDialog(parent), lstPatients(new QTreeWidget(this)), list_(lstPatients) {
     setObjectName(QStringLiteral("frmListPrograms"));
     setWindowTitle(ProgramListLogic::kCaption);
     setAttribute(Qt::WA_DeleteOnClose);
@@ -33,7 +33,7 @@ QPushButton* ProgramListDialog::Button(const QString& tag) const {
 
 void ProgramListDialog::Run(const QString& tag) {
     if (logic_->cmdOKCancel(tag))
-        close();
+        EndByButton();
 }
 
 } // namespace tarvex

@@ -3,7 +3,7 @@
 #include "program/ProgramListLogic.h"
 #include "ui/QtControls.h"
 
-#include <QDialog>
+#include "ui/FormDialog.h"
 #include <memory>
 
 class QPushButton;
@@ -12,7 +12,7 @@ class QTreeWidget;
 namespace tarvex {
 
 // frmListPrograms, "Recall an Exericse Program".
-class ProgramListDialog : public QDialog {
+class ProgramListDialog : public FormDialog {
     Q_OBJECT
 public:
     ProgramListDialog(AppState& state, Shell& shell, Prompter& prompter, ProgramStore& store,

@@ -1,5 +1,7 @@
 #include "ui/SlotPaneWidget.h"
 
+#include "ui/Guarded.h"
+
 #include "ui/PaneDrag.h"
 
 #include <QDragEnterEvent>
@@ -136,7 +138,7 @@ void SlotPaneWidget::mousePressEvent(QMouseEvent* event) {
         return;
     setFocus(Qt::MouseFocusReason);
     pressed_ = i;
-    logic_->TargetPress(i);
+    RunGuarded([&] { logic_->TargetPress(i); });
 }
 
 void SlotPaneWidget::mouseMoveEvent(QMouseEvent* event) {
@@ -151,34 +153,36 @@ void SlotPaneWidget::mouseMoveEvent(QMouseEvent* event) {
     }
     const int i = SlotAt(event->position().toPoint(), false);
     if (i >= 0)
-        logic_->PointerOverTarget(i);
+        RunGuarded([&] { logic_->PointerOverTarget(i); });
     else
-        logic_->PointerOverOther();
+        RunGuarded([&] { logic_->PointerOverOther(); });
 }
 
 void SlotPaneWidget::mouseReleaseEvent(QMouseEvent*) {
     // A press without a move is a drop of the slot on itself.
     if (logic_ && pressed_ >= 0)
-        logic_->DropSelectedEx(static_cast<int16_t>(pressed_), {DragKind::TargetIm, pressed_});
+        RunGuarded([&] {
+            logic_->DropSelectedEx(static_cast<int16_t>(pressed_), {DragKind::TargetIm, pressed_});
+        });
     pressed_ = -1;
 }
 
 void SlotPaneWidget::mouseDoubleClickEvent(QMouseEvent* event) {
     const int i = SlotAt(event->position().toPoint(), true);
     if (logic_ && i >= 0)
-        logic_->TargetDblClick(i);
+        RunGuarded([&] { logic_->TargetDblClick(i); });
 }
 
 void SlotPaneWidget::keyPressEvent(QKeyEvent* event) {
     if (logic_ && event->key() == Qt::Key_Delete)
-        logic_->TargetKeyDown(SelectionWorkspace::kDeleteKey);
+        RunGuarded([&] { logic_->TargetKeyDown(SelectionWorkspace::kDeleteKey); });
     else
         QWidget::keyPressEvent(event);
 }
 
 void SlotPaneWidget::focusOutEvent(QFocusEvent* event) {
     if (logic_)
-        logic_->TargetLostFocus();
+        RunGuarded([&] { logic_->TargetLostFocus(); });
     QWidget::focusOutEvent(event);
 }
 
@@ -192,7 +196,9 @@ void SlotPaneWidget::dragMoveEvent(QDragMoveEvent* event) {
     const int caption = SlotAt(pos, false);
     if (logic_ && caption >= 0 && !SlotPictureRect(caption).contains(pos)) {
         const double y = pos.y() / S - (SelectionPanes::SlotCaptionPos(caption).y() + surfaceTop_);
-        logic_->DescLabelDragOver(caption, static_cast<int>(y * 15), surfaceTop_); // in twips
+        RunGuarded([&] {
+            logic_->DescLabelDragOver(caption, static_cast<int>(y * 15), surfaceTop_);
+        }); // in twips
     }
     event->setAccepted(SlotAt(pos, true) >= 0);
 }
@@ -201,7 +207,7 @@ bool SlotPaneWidget::DropAt(QPoint widgetPos, const QMimeData* data) {
     const int i = SlotAt(widgetPos, true);
     if (!logic_ || i < 0)
         return false;
-    logic_->DropSelectedEx(static_cast<int16_t>(i), PaneDragSource(data));
+    RunGuarded([&] { logic_->DropSelectedEx(static_cast<int16_t>(i), PaneDragSource(data)); });
     return true;
 }
 

@@ -1,5 +1,7 @@
 #include "ui/WorkspaceWindow.h"
 
+#include "ui/Guarded.h"
+
 #include "picklist/PicklistStore.h"
 #include "program/ProgramStore.h"
 #include "shell/AppState.h"
@@ -69,17 +71,20 @@ WorkspaceWindow::WorkspaceWindow(AppState& state, Shell& shell, Prompter& prompt
 
     for (int i = 0; i < 3; ++i)
         connect(viewLists_[static_cast<size_t>(i)], &QListWidget::itemSelectionChanged, this,
-                [this, i] { filter_->ViewListClick(i); });
-    connect(cboProvider_, &QComboBox::activated, this, [this] { logic_->cboProvider_Click(); });
-    connect(cboUsage_, &QComboBox::activated, this, [this] { logic_->cboUsage_Click(); });
-    connect(Button("cmdProtocol"), &QPushButton::clicked, this, [this] { logic_->cmdProtocol(); });
+                Guarded([this, i] { filter_->ViewListClick(i); }));
+    connect(cboProvider_, &QComboBox::activated, this,
+            Guarded([this] { logic_->cboProvider_Click(); }));
+    connect(cboUsage_, &QComboBox::activated, this, Guarded([this] { logic_->cboUsage_Click(); }));
+    connect(Button("cmdProtocol"), &QPushButton::clicked, this,
+            Guarded([this] { logic_->cmdProtocol(); }));
     connect(Button("cmdClear"), &QPushButton::clicked, this,
-            [this] { logic_->ClearSelectedExercises(); });
-    connect(showAllBtn_, &QPushButton::clicked, this, [this] { logic_->ShowChoicesPane(); });
+            Guarded([this] { logic_->ClearSelectedExercises(); }));
+    connect(showAllBtn_, &QPushButton::clicked, this,
+            Guarded([this] { logic_->ShowChoicesPane(); }));
     connect(Button("cmdOK"), &QPushButton::clicked, this,
-            [this] { logic_->cmdOKCancel(QStringLiteral("OK")); });
+            Guarded([this] { logic_->cmdOKCancel(QStringLiteral("OK")); }));
     connect(Button("cmdCancel"), &QPushButton::clicked, this,
-            [this] { logic_->cmdOKCancel(QStringLiteral("Cancel")); });
+            Guarded([this] { logic_->cmdOKCancel(QStringLiteral("Cancel")); }));
 }
 
 WorkspaceWindow::~WorkspaceWindow() = default;
@@ -193,25 +198,38 @@ void WorkspaceWindow::LoadOnce() {
 
 void WorkspaceWindow::StartProgramVisit() {
     LoadOnce();
+    const int toolbarBefore = shell_.ToolbarMode();
+    const int menuBefore = shell_.MenuMode();
     state_.WorkspaceMode = 1;
     show();
     raise();
-    logic_->InitExerciseSelection(true);
-    logic_->Activate();
+    const bool loaded = RunGuarded([this] {
+        logic_->InitExerciseSelection(true);
+        logic_->Activate();
+    });
+    if (!loaded) {
+        // The program could not be loaded (it was deleted, say): the command ends with its
+        // error box, and the window goes as if it had never opened.
+        state_.WorkspaceMode = 0;
+        hide();
+        shell_.UpdateToolbar(toolbarBefore);
+        shell_.UpdateMenu(menuBefore);
+        return;
+    }
     shell_.UpdateMenu(1);
     shell_.UpdateToolbar(3);
 }
 
 bool WorkspaceWindow::event(QEvent* e) {
-    if (e->type() == QEvent::WindowActivate && loaded_)
-        logic_->Activate();
+    if (e->type() == QEvent::WindowActivate && loaded_ && isVisible())
+        RunGuarded([this] { logic_->Activate(); });
     return QWidget::event(e);
 }
 
 void WorkspaceWindow::closeEvent(QCloseEvent* e) {
     // Closing by the frame is Cancel: the window stays loaded and hides.
     e->ignore();
-    logic_->cmdOKCancel(QStringLiteral("Cancel"));
+    RunGuarded([this] { logic_->cmdOKCancel(QStringLiteral("Cancel")); });
 }
 
 // --- IWorkspaceView

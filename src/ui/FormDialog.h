@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QDialog>
+
+namespace tarvex {
+
+// A dialog of the program. Whatever ends it (one of its buttons, Esc, the frame's close
+// box, the window manager) passes through done(), and the form's unload runs there once:
+// first its Cancel when no button ended it, then its unload handler. So Esc and the close
+// box always do what the form's Cancel does, and the commands it restricted come back.
+class FormDialog : public QDialog {
+    Q_OBJECT
+public:
+    using QDialog::QDialog;
+
+    void done(int result) override;
+
+protected:
+    // What Esc or the close box does when no button has ended the form: its "Cancel".
+    virtual void CancelByFrame() {}
+    // The form's unload handler; runs once, after the button's work or CancelByFrame.
+    virtual void Unload() {}
+    // Ends the form after one of its buttons has done its work.
+    void EndByButton(int result = Accepted);
+    // Runs the unload handler now if it has not run (for a form that goes without being
+    // closed); Cancel is not run.
+    void EnsureUnloaded();
+
+private:
+    bool endedByButton_ = false;
+    bool unloaded_ = false;
+};
+
+} // namespace tarvex
