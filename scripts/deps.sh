@@ -9,9 +9,11 @@ TARVEX_PACKAGES=(
     clang-format
 )
 # Only the tests need these: a real print queue (a private CUPS server whose cups-pdf
-# queue writes PDF files) and LibreOffice, which prints the patient instructions.
+# queue writes PDF files), LibreOffice, which prints the patient instructions, and a window
+# manager with xprop and xdotool for the tests on a virtual display.
 TARVEX_TEST_PACKAGES=(
     cups printer-driver-cups-pdf ghostscript libreoffice-writer libreoffice-core
+    openbox x11-utils xdotool
 )
 
 # ensure_deps [extra packages...]

@@ -1,5 +1,6 @@
 #include "shell/AppFolder.h"
 #include "shell/AppState.h"
+#include "shell/PrivateFiles.h"
 #include "shell/SettingsStore.h"
 #include "shell/SingleInstance.h"
 #include "support/Fault.h"
@@ -9,6 +10,8 @@
 #include <QDir>
 
 int main(int argc, char** argv) {
+    // The program's files hold patient data: whatever it creates is its user's alone.
+    tarvex::RestrictNewFilesToOwner();
     tarvex::Application app(argc, argv);
 
     tarvex::AppState state;

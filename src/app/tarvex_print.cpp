@@ -10,6 +10,7 @@
 #include "shell/AppFolder.h"
 #include "shell/AppState.h"
 #include "shell/Options.h"
+#include "shell/PrivateFiles.h"
 #include "shell/SettingsStore.h"
 #include "shell/Shell.h"
 #include "support/Fault.h"
@@ -77,6 +78,7 @@ const std::map<QString, int>& Jobs() {
 } // namespace
 
 int main(int argc, char** argv) {
+    RestrictNewFilesToOwner(); // the data folder holds patient data
     // Fonts need the GUI side of Qt, but never a display.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -2,6 +2,7 @@
 
 #include "data/Schema.h"
 #include "shell/AppState.h"
+#include "shell/PrivateFiles.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -86,28 +87,56 @@ QString CopyIcons(const QString& appFolder, const QString& templatesFolder) {
 
 } // namespace
 
-QString PrepareAppFolder(const QString& appFolder, const QString& templatesFolder) {
+QString PrepareAppFolder(const QString& appFolder, const QString& templatesFolder,
+                         bool* madePrivate) {
+    const bool existed = QFileInfo(appFolder).isDir();
     if (!QDir().mkpath(appFolder))
-        return QStringLiteral("The data folder %1 cannot be created.").arg(appFolder);
+        return QStringLiteral("The data folder %1 cannot be created.")
+            .arg(QDir::toNativeSeparators(appFolder));
+    const bool tightened = MakeFolderPrivate(appFolder);
+    if (madePrivate)
+        *madePrivate = existed && tightened;
+
+    // The delivered files fill a data folder at its first start only, when none of the
+    // three databases is there. Later a missing database is never replaced by an empty one:
+    // that would silently start the clinic on an empty patient list.
+    QStringList present, missing;
+    for (const char* database : {kProgramDbFile, kLibraryDbFile, kPicklistDbFile}) {
+        const QString name = QLatin1String(database);
+        (QFileInfo::exists(FindFileNoCase(appFolder, name)) ? present : missing) << name;
+    }
+    if (!present.isEmpty() && !missing.isEmpty())
+        return MissingDatabaseText(missing.first(), appFolder);
+    if (!present.isEmpty())
+        return QString();
+
     for (const QString& name : DeliveredFileNames()) {
         if (QFileInfo::exists(FindFileNoCase(appFolder, name)))
             continue;
         const QString source = FindFileNoCase(templatesFolder, name);
         if (!QFileInfo(source).isFile())
             return QStringLiteral("The delivered file %1 is missing from %2.")
-                .arg(name, templatesFolder);
+                .arg(name, QDir::toNativeSeparators(templatesFolder));
         const QString target = QDir(appFolder).filePath(name);
         // Copied under a temporary name first, so that a broken copy never stands for a database.
         const QString partial = target + QStringLiteral(".partial");
         QFile::remove(partial);
-        if (!QFile::copy(source, partial) || !QFile::rename(partial, target)) {
+        if (!QFile::copy(source, partial) ||
+            !QFile::setPermissions(partial, QFile::ReadOwner | QFile::WriteOwner) ||
+            !QFile::rename(partial, target)) {
             QFile::remove(partial);
-            return QStringLiteral("%1 cannot be copied into %2.").arg(name, appFolder);
+            return QStringLiteral("%1 cannot be copied into %2.")
+                .arg(name, QDir::toNativeSeparators(appFolder));
         }
-        QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup |
-                                          QFile::ReadOther);
     }
     return CopyIcons(appFolder, templatesFolder);
+}
+
+QString MissingDatabaseText(const QString& fileName, const QString& appFolder) {
+    return QStringLiteral("The database \"%1\" is missing from the data folder %2.\n\n"
+                          "Nothing has been created or changed. Put the file back from your "
+                          "backup and start the program again.")
+        .arg(fileName, QDir::toNativeSeparators(appFolder));
 }
 
 } // namespace tarvex

@@ -27,9 +27,16 @@ QString TemplatesFolder(const AppState& state);
 // The files that a first start copies into the application folder.
 QStringList DeliveredFileNames();
 
-// Creates the application folder if needed and copies in every delivered file that is
-// not there yet; files already there are never touched. Returns an error text, or an
-// empty text on success.
-QString PrepareAppFolder(const QString& appFolder, const QString& templatesFolder);
+// Creates the application folder if needed and makes it and its files private to the
+// user (madePrivate tells whether an existing folder had to be tightened). At the first
+// start, when none of the three databases is there, copies in every delivered file that
+// is not there yet; files already there are never touched. Later, a missing database ends
+// the start with a message that names it and the folder, and nothing is created. Returns
+// an error text, or an empty text on success.
+QString PrepareAppFolder(const QString& appFolder, const QString& templatesFolder,
+                         bool* madePrivate = nullptr);
+
+// The message of a database that is missing from a data folder that has the others.
+QString MissingDatabaseText(const QString& fileName, const QString& appFolder);
 
 } // namespace tarvex

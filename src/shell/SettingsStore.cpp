@@ -1,5 +1,7 @@
 #include "shell/SettingsStore.h"
 
+#include "shell/PrivateFiles.h"
+
 #include <QSettings>
 
 namespace tarvex {
@@ -10,7 +12,9 @@ QtSettingsStore::QtSettingsStore()
 QtSettingsStore::QtSettingsStore(const QString& iniPath)
     : settings_(std::make_unique<QSettings>(iniPath, QSettings::IniFormat)) {}
 
-QtSettingsStore::~QtSettingsStore() = default;
+QtSettingsStore::~QtSettingsStore() {
+    Sync();
+}
 
 std::optional<QString> QtSettingsStore::Get(const QString& section, const QString& key) const {
     const QVariant value = settings_->value(section + u'/' + key);
@@ -28,6 +32,8 @@ void QtSettingsStore::Set(const QString& section, const QString& key, const QStr
 
 void QtSettingsStore::Sync() {
     settings_->sync();
+    // The settings name the clinic's clinician; they are the user's alone.
+    MakeFilePrivate(settings_->fileName());
 }
 
 } // namespace tarvex

@@ -33,7 +33,8 @@ bool RunStartup(AppState& state, Shell& shell, const ISettingsStore& store, ISta
 
     // A first start fills the data folder from the delivered files; later starts find
     // them there and nothing is copied.
-    const QString problem = PrepareAppFolder(state.AppFolder, TemplatesFolder(state));
+    bool madePrivate = false;
+    const QString problem = PrepareAppFolder(state.AppFolder, TemplatesFolder(state), &madePrivate);
     if (!problem.isEmpty())
         throw Fault(problem);
     OpenDatabases(state);
@@ -61,6 +62,8 @@ bool RunStartup(AppState& state, Shell& shell, const ISettingsStore& store, ISta
     if (QFileInfo::exists(AppPathAndFName(state, QStringLiteral("TVX.MDB"))))
         prompter.MsgBox(kPreviousDatabaseText, msg::Information, kPreviousDatabaseTitle);
     shell.UpdateMenu(2);
+    if (madePrivate)
+        shell.SetStatusBar(kMadePrivateText.arg(state.AppFolder));
     return true;
 }
 

@@ -35,6 +35,10 @@ inline const QString kPreviousDatabaseText =
     QStringLiteral("You have a previous version of the TVX Database.\n"
                    "Run the Tarvex Database Ugrade program to import your data.");
 
+// The status line of a start that found the data folder open to other users.
+inline const QString kMadePrivateText =
+    QStringLiteral("The data folder %1 and its files are now private to you.");
+
 // The start of a run, in the load of the main window. Returns false when the run ends at
 // once because another copy is running. A failure to open a database or to read the
 // clinic row is a fault that ends the run.

@@ -16,7 +16,8 @@ Application::FaultReporter& Reporter() {
 
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
     setApplicationName(QStringLiteral("Tarvex"));
-    setApplicationDisplayName(ProductName());
+    // No display name: Qt would append it to every window title, and the titles are the
+    // program's own.
     setApplicationVersion(VersionText().mid(8));
 }
 

@@ -186,3 +186,16 @@ TEST_F(CoverText, ABinaryOrHugeFileIsReadWithoutHarm) {
     EXPECT_LE(huge.size(), (1 << 20) + 2); // read no further than a megabyte
     EXPECT_TRUE(huge.endsWith("\r\n"));
 }
+
+TEST(QtSettingsStore, TheSettingsFileIsPrivateToTheUser) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("Tarvex.conf");
+    {
+        QtSettingsStore store(path);
+        store.Set("Options", "Provider", "Dr. Amara Nwosu");
+    }
+    ASSERT_TRUE(QFile::exists(path));
+    const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+    EXPECT_EQ(QFile::permissions(path) & others, 0);
+    EXPECT_TRUE(QFile::permissions(path) & QFile::ReadOwner);
+}

@@ -233,3 +233,72 @@ TEST(Unload, AModifiedProgramAnsweredYesIsSaved) {
     EXPECT_FALSE(run.state.Dbs.IsOpen());
     EXPECT_EQ(run.store.values["Options/Provider"], "Mark Lee, PTA");
 }
+
+TEST(PrepareAppFolder, AMissingDatabaseOfAFolderInUseEndsTheStartAndNothingIsCreated) {
+    QTemporaryDir dir;
+    const QString appFolder = dir.filePath("Tarvex");
+    const QString templates = tarvex::testing::DeliveredFolder() + "/templates";
+    ASSERT_EQ(PrepareAppFolder(appFolder, templates), "");
+    ASSERT_TRUE(QFile::remove(QDir(appFolder).filePath("Tarvex.MDB")));
+
+    const QString problem = PrepareAppFolder(appFolder, templates);
+    EXPECT_TRUE(problem.contains("\"Tarvex.MDB\"")) << problem.toStdString();
+    EXPECT_TRUE(problem.contains(QDir::toNativeSeparators(appFolder))) << problem.toStdString();
+    EXPECT_FALSE(QFile::exists(QDir(appFolder).filePath("Tarvex.MDB")));
+
+    StartupRun run(appFolder);
+    try {
+        run.Start();
+        ADD_FAILURE() << "the start went on without its database";
+    } catch (const Fault& fault) {
+        EXPECT_EQ(fault.Message(), problem);
+    }
+    EXPECT_FALSE(QFile::exists(QDir(appFolder).filePath("Tarvex.MDB")));
+}
+
+TEST(PrepareAppFolder, AFolderWithoutAnyDatabaseIsFilledAsAtTheFirstStart) {
+    QTemporaryDir dir;
+    const QString templates = tarvex::testing::DeliveredFolder() + "/templates";
+    ASSERT_EQ(PrepareAppFolder(dir.path(), templates), "");
+    for (const char* name : {"Tarvex.MDB", "Exercise Library.MDB", "Picklist.MDB"})
+        EXPECT_TRUE(QFile::exists(dir.filePath(name))) << name;
+}
+
+TEST(PrepareAppFolder, TheDataFolderAndItsFilesArePrivateToTheUser) {
+    QTemporaryDir dir;
+    const QString appFolder = dir.filePath("Tarvex");
+    const QString templates = tarvex::testing::DeliveredFolder() + "/templates";
+    bool madePrivate = true;
+    ASSERT_EQ(PrepareAppFolder(appFolder, templates, &madePrivate), "");
+    EXPECT_FALSE(madePrivate); // a new folder is private from the start: nothing to say
+    const auto owner = QFile::ReadOwner | QFile::WriteOwner;
+    const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther |
+                        QFile::WriteOther | QFile::ExeOther;
+    EXPECT_FALSE(QFile::permissions(appFolder) & others);
+    for (const char* name : {"Tarvex.MDB", "Exercise Library.MDB", "Picklist.MDB", "cover.txt"}) {
+        const auto rights = QFile::permissions(QDir(appFolder).filePath(name));
+        EXPECT_FALSE(rights & others) << name;
+        EXPECT_EQ(rights & owner, owner) << name;
+    }
+}
+
+TEST(Startup, AnOpenDataFolderOfAnEarlierReleaseIsMadePrivateAndTheStatusLineSaysSo) {
+    QTemporaryDir dir;
+    const QString appFolder = dir.filePath("Tarvex");
+    ASSERT_EQ(PrepareAppFolder(appFolder, tarvex::testing::DeliveredFolder() + "/templates"), "");
+    const auto open = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther;
+    ASSERT_TRUE(QFile::setPermissions(appFolder,
+                                      open | QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther));
+    ASSERT_TRUE(QFile::setPermissions(QDir(appFolder).filePath("Tarvex.MDB"), open));
+    {
+        StartupRun run(appFolder);
+        ASSERT_TRUE(run.Start());
+        EXPECT_EQ(run.shell.status.panels[0], kMadePrivateText.arg(appFolder));
+    }
+    EXPECT_EQ(QFile::permissions(appFolder) & (QFile::ReadOther | QFile::ReadGroup), 0);
+    EXPECT_EQ(QFile::permissions(QDir(appFolder).filePath("Tarvex.MDB")),
+              QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser);
+    StartupRun again(appFolder);
+    ASSERT_TRUE(again.Start());
+    EXPECT_NE(again.shell.status.panels[0], kMadePrivateText.arg(appFolder)); // said once
+}

@@ -6,9 +6,12 @@
 #include "ui/MainWindow.h"
 #include "ui/MainWindowRun.h"
 
+#include <QApplication>
 #include <QFileInfo>
+#include <QPrintDialog>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 using namespace tarvex;
@@ -52,4 +55,56 @@ TEST(PrintCommands, ThePatientRecordAndTheOrderFormPrintFromTheMenu) {
     r.state.SkipPrintDialog = true;
     r.window.MenuCommands().Action("mnuPrintVideo")->trigger();
     EXPECT_TRUE(r.PrintedText().contains("TAPE CONTENT"));
+}
+
+namespace {
+
+// Answers the next printer dialog: records whether it offers a page range or a
+// selection, then cancels or accepts it.
+struct PrintDialogAnswer {
+    explicit PrintDialogAnswer(bool accept) {
+        timer.setInterval(20);
+        QObject::connect(&timer, &QTimer::timeout, [this, accept] {
+            QPrintDialog* dialog = nullptr;
+            for (QWidget* w : QApplication::topLevelWidgets())
+                if (auto* d = qobject_cast<QPrintDialog*>(w); d && d->isVisible())
+                    dialog = d;
+            if (!dialog)
+                return;
+            timer.stop();
+            shown = true;
+            offersPages = dialog->testOption(QAbstractPrintDialog::PrintPageRange) ||
+                          dialog->testOption(QAbstractPrintDialog::PrintSelection) ||
+                          dialog->testOption(QAbstractPrintDialog::PrintCurrentPage);
+            accept ? dialog->accept() : dialog->reject();
+        });
+        timer.start();
+    }
+    QTimer timer;
+    bool shown = false;
+    bool offersPages = true;
+};
+
+} // namespace
+
+TEST(PrintCommands, CancellingTheCoverSheetsDialogStillPrintsTheExercises) {
+    PrintRun r;
+    ASSERT_TRUE(r.state.Prefs.PrintPatientCover);
+    PrintDialogAnswer cancel(false);
+    r.window.MenuCommands().Action("mnuPrintEx4")->trigger();
+    EXPECT_TRUE(cancel.shown);
+    ASSERT_TRUE(QFileInfo(r.dir.filePath("printed.pdf")).size() > 0);
+    const QString text = r.PrintedText();
+    EXPECT_EQ(text.count(QChar('\f')), 2); // the five exercises, without the cover sheet
+    EXPECT_TRUE(text.contains("(" + r.state.Library.Entries[4].Code + ")"));
+    EXPECT_EQ(r.window.StatusPanels().PanelText(0), "Status: Ready");
+}
+
+TEST(PrintCommands, ThePrinterDialogOffersNoPageRangeAndNoSelection) {
+    PrintRun r;
+    r.state.Prefs.PrintPatientCover = false;
+    PrintDialogAnswer accept(true);
+    r.window.MenuCommands().Action("mnuPrintEx2")->trigger();
+    ASSERT_TRUE(accept.shown);
+    EXPECT_FALSE(accept.offersPages);
 }

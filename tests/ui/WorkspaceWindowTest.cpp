@@ -3,6 +3,7 @@
 #include "fakes/FakeSettingsStore.h"
 #include "shell/SingleInstance.h"
 #include "support/TestFolder.h"
+#include "ui/Application.h"
 #include "ui/ChoicePaneWidget.h"
 #include "ui/MainWindow.h"
 #include "ui/MainWindowRun.h"
@@ -136,4 +137,32 @@ TEST(WorkspaceWindow, ShowAllFoldsTheLibraryAwayAndBack) {
     EXPECT_EQ(showAll->text(), "&Show All");
     EXPECT_TRUE(r.W().ChoicePane()->isVisible());
     EXPECT_TRUE(r.W().Button("cmdOK")->isEnabled());
+}
+
+TEST(WorkspaceWindow, ADeletedCurrentProgramEndsTheVisitWithItsErrorAndTheWindowHidden) {
+    WsRun r;
+    QStringList reported;
+    Application::SetFaultReporter([&reported](const QString& m) { reported << m; });
+    // A stored program of the patient, current in memory, then deleted under "Programs".
+    r.window.ToolbarCommands().Action("Exercises")->trigger();
+    QTest::mouseClick(r.W().Button("cmdOK"), Qt::LeftButton);
+    ASSERT_TRUE(r.state.Program.InvoiceID.has_value());
+    Execute(r.state.Dbs.ProgramDb, QStringLiteral("DELETE * FROM Invoice WHERE InvoiceID = %1")
+                                       .arg(*r.state.Program.InvoiceID));
+    EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), 2);
+
+    r.window.ToolbarCommands().Action("Exercises")->trigger();
+    Application::SetFaultReporter({});
+    ASSERT_EQ(reported.size(), 1);
+    EXPECT_TRUE(reported.first().contains("no longer exists")) << reported.first().toStdString();
+    EXPECT_FALSE(r.W().isVisible());
+    EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), 2);
+    EXPECT_EQ(r.window.ShellLogic().MenuMode(), 2);
+    EXPECT_TRUE(r.window.MenuCommands().Action("mnuDatabase")->isEnabled());
+    EXPECT_TRUE(r.window.ToolbarCommands().Action("Patient")->isEnabled());
+    EXPECT_EQ(r.state.WorkspaceMode, 0);
+    // Nothing was written back: the deleted program stays deleted.
+    QSqlQuery count = OpenQuery(r.state.Dbs.ProgramDb, "SELECT COUNT(*) FROM Invoice");
+    ASSERT_TRUE(count.next());
+    EXPECT_EQ(count.value(0).toInt(), 0);
 }
