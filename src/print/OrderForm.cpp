@@ -163,10 +163,11 @@ void PrintVideoOrderForm(PageSurface& surface, AppState& state) {
     surface.SetCurrentX(margin);
     double y = surface.CurrentY();
     PrintTextBlockSpaced(surface, print, margin,
-                         p.BillAddr.isEmpty() ? BlankAddressBlock() : p.BillAddr);
+                         p.BillAddr.isEmpty() ? BlankAddressBlock()
+                                              : WithStoredLineBreaks(p.BillAddr));
     surface.SetCurrentY(y);
     if (!p.ShipAddr.isEmpty()) {
-        PrintTextBlockSpaced(surface, print, at(3.75), p.ShipAddr);
+        PrintTextBlockSpaced(surface, print, at(3.75), WithStoredLineBreaks(p.ShipAddr));
         surface.SetCurrentX(at(3.75));
         surface.Print(QStringLiteral("Phone: "));
         surface.PrintLine(p.ShipPhone);

@@ -156,6 +156,17 @@ QStringList SplitTextLines(const QString& text) {
     return lines;
 }
 
+QString WithStoredLineBreaks(const QString& text) {
+    QString out;
+    out.reserve(text.size() + 8);
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text.at(i) == u'\n' && (i == 0 || text.at(i - 1) != u'\r'))
+            out += u'\r';
+        out += text.at(i);
+    }
+    return out;
+}
+
 void PrintTextBlock(PageSurface& surface, double x, const QString& text) {
     for (const QString& line : SplitTextLines(text)) {
         surface.SetCurrentX(x);

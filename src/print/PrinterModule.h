@@ -40,6 +40,10 @@ void SkipWideLines(PageSurface& surface, const PrintState& print, float n); // 2
 // line; an empty line inside the text is kept.
 QStringList SplitTextLines(const QString& text);
 // Each line at x, ending the line: the step is the surface's own line height.
+// A text of several lines with every line break as CR LF: a lone LF, as an older box may
+// have stored it, is a break too.
+QString WithStoredLineBreaks(const QString& text);
+
 void PrintTextBlock(PageSurface& surface, double x, const QString& text);
 // Each line at x, then NextLine: a fixed step of 220 twips.
 void PrintTextBlockSpaced(PageSurface& surface, const PrintState& print, double x,

@@ -85,12 +85,23 @@ void QtLineEdit::SetCursorPosition(int position) {
         edit_->setCursorPosition(position);
 }
 
+// A box of several lines gives its breaks as the program's own texts have them (CR LF),
+// and shows stored breaks of either kind as lines.
 QString QtPlainTextEdit::Text() const {
-    return edit_ ? edit_->toPlainText() : QString();
+    if (!edit_)
+        return QString();
+    QString text = edit_->toPlainText();
+    text.replace(u'\n', QStringLiteral("\r\n"));
+    return text;
 }
 void QtPlainTextEdit::SetText(const QString& text) {
-    if (edit_ && edit_->toPlainText() != text)
-        edit_->setPlainText(text);
+    QString shown = text;
+    shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
+    if (!edit_ || edit_->toPlainText() == shown)
+        return;
+    edit_->setPlainText(shown);
+    // Typing goes on after what was put in, as in a one-line box.
+    edit_->moveCursor(QTextCursor::End);
 }
 void QtPlainTextEdit::SetEnabled(bool enabled) {
     if (edit_)
@@ -102,8 +113,11 @@ bool QtPlainTextEdit::IsEnabled() const {
 void QtPlainTextEdit::SetCursorPosition(int position) {
     if (!edit_)
         return;
+    // The position counts CR LF as two characters, the box as one.
+    const qsizetype breaks = Text().left(position).count(u'\r');
+    const int shown = position - static_cast<int>(breaks);
     QTextCursor cursor = edit_->textCursor();
-    cursor.setPosition(qBound(0, position, static_cast<int>(edit_->toPlainText().size())));
+    cursor.setPosition(qBound(0, shown, static_cast<int>(edit_->toPlainText().size())));
     edit_->setTextCursor(cursor);
 }
 
