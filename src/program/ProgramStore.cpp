@@ -63,6 +63,9 @@ void ProgramStore::SaveProgram(bool prompt) {
 void ProgramStore::WriteRows() {
     QSqlDatabase& db = state_.Dbs.ProgramDb;
     ExerciseProgram& p = state_.Program;
+    // A program saved before any load (an order stored first, say) is dated now.
+    if (!p.Date.isValid() || p.Date == ZeroDate())
+        p.Date = QDateTime::currentDateTime();
     ColumnValues invoice = {
         {"PatientID", *p.PatientID}, {"Date", DateToStorage(p.Date)}, {"Provider", p.Provider},
         {"Usage", p.Usage},          {"BillAddr", p.BillAddr},

@@ -26,8 +26,8 @@ bool PreferencesLogic::cmdOKCancel(const QString& tag) {
     return tag == QLatin1String("OK") || tag == QLatin1String("Cancel");
 }
 
-void PreferencesLogic::cmdEditCoverSheet() {
-    desktop_.OpenDocument(AppPathAndFName(state_, QStringLiteral("Cover.Txt")));
+bool PreferencesLogic::cmdEditCoverSheet() {
+    return desktop_.OpenDocument(AppPathAndFName(state_, QStringLiteral("Cover.Txt")));
 }
 
 } // namespace tarvex

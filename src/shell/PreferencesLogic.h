@@ -28,7 +28,8 @@ public:
     // "OK" saves, "Cancel" does not; both return true: the dialog unloads.
     bool cmdOKCancel(const QString& tag);
     // Opens the cover text in the user's editor; any failure is ignored.
-    void cmdEditCoverSheet();
+    // False when no program could be asked to open the cover text.
+    bool cmdEditCoverSheet();
 
 private:
     AppState& state_;

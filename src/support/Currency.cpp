@@ -116,7 +116,14 @@ QString FormatCurrency(Currency value, const QLocale& locale) {
     int64_t cents = (magnitude + kCent / 2) / kCent;
     if (value.units < 0)
         cents = -cents;
-    return locale.toCurrencyString(static_cast<double>(cents) / 100.0, QString(), 2);
+    // A locale without a currency of its own (the C locale) prints dollars, as the blanks
+    // beside the amounts do.
+    const double amount = static_cast<double>(cents) / 100.0;
+    if (locale.currencySymbol(QLocale::CurrencySymbol).isEmpty()) {
+        const QString digits = locale.toString(std::abs(amount), 'f', 2);
+        return (cents < 0 ? QStringLiteral("-$") : QStringLiteral("$")) + digits;
+    }
+    return locale.toCurrencyString(amount, QString(), 2);
 }
 
 } // namespace tarvex

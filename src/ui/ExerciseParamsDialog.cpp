@@ -5,6 +5,7 @@
 #include "shell/Shell.h"
 
 #include <QComboBox>
+#include <QDir>
 #include <QFormLayout>
 #include <QFrame>
 #include <QGridLayout>
@@ -135,8 +136,11 @@ ExerciseParamsDialog::ExerciseParamsDialog(AppState& state, IParamsTarget& targe
                                       movFrame_});
 
     for (QPushButton* button : cmdControl) {
-        connect(button, &QPushButton::clicked, this,
-                Guarded([this, button] { logic_->cmdControl(button->property("index").toInt()); }));
+        connect(button, &QPushButton::clicked, this, Guarded([this, button] {
+                    const int index = button->property("index").toInt();
+                    logic_->cmdControl(index);
+                    NoteMissingMovie(index);
+                }));
     }
     for (QLineEdit* edit : txtInstr)
         connect(edit, &QLineEdit::textEdited, edit, &QLineEdit::setToolTip);
@@ -236,6 +240,15 @@ void ExerciseParamsDialog::OnOKCancel() {
     if (!logic_->cmdOKCancel(tag))
         return;
     EndByButton(tag == QLatin1String("OK") ? Accepted : Rejected);
+}
+
+void ExerciseParamsDialog::NoteMissingMovie(int command) {
+    // The commands stay silent without a movie; the status line says why nothing plays.
+    const bool playing =
+        command == ExerciseParamsLogic::kOpen || command == ExerciseParamsLogic::kPlay;
+    if (playing && logic_->MediaHandle() == 0 && StatusNote)
+        StatusNote(QStringLiteral("This exercise has no movie that can be played (%1).")
+                       .arg(QDir::toNativeSeparators(logic_->MovieFileName())));
 }
 
 void ExerciseParamsDialog::Unload() {

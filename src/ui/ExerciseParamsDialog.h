@@ -7,6 +7,7 @@
 #include "ui/FormDialog.h"
 
 #include <array>
+#include <functional>
 #include <memory>
 
 class QComboBox;
@@ -62,6 +63,7 @@ private:
     void OnOKCancel();
     void PlaceOnScreen();
     void Unload() override;
+    void NoteMissingMovie(int command);
 
     QtComboBox reps_, hold_, sets_;
     std::array<std::unique_ptr<QtLineEdit>, 3> instr_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <functional>
 
 namespace tarvex {
 
@@ -14,6 +15,10 @@ public:
     using QDialog::QDialog;
 
     void done(int result) override;
+
+    // Where a note for the status line goes (the main window's status bar): what became
+    // of a command that the program carries out without a message box.
+    std::function<void(const QString&)> StatusNote;
 
 protected:
     // What Esc or the close box does when no button has ended the form: its "Cancel".

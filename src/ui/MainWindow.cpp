@@ -231,6 +231,7 @@ void MainWindow::NotYetAvailable(const QString& what) {
 
 void MainWindow::OpenPreferences() {
     auto* dialog = new PreferencesDialog(state_, this);
+    dialog->StatusNote = [this](const QString& note) { shell_->SetStatusBar(note); };
     PlaceDialog(dialog);
     dialog->show();
 }

@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -47,6 +48,27 @@ void LayOutListWithButtons(QDialog* dialog, QTreeWidget* list, const QStringList
 
 namespace {
 
+// Runs an action on a click in the empty part of a list, as a click on a row does.
+class EmptyAreaClickFilter : public QObject {
+public:
+    EmptyAreaClickFilter(QTreeWidget* list, std::function<void()> action)
+        : QObject(list), list_(list), action_(std::move(action)) {}
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::MouseButtonRelease) {
+            const QPoint at = static_cast<QMouseEvent*>(event)->position().toPoint();
+            if (!list_->itemAt(at))
+                RunGuarded(action_);
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    QTreeWidget* list_;
+    std::function<void()> action_;
+};
+
 // Runs an action when the space bar goes down in the object it watches.
 class SpaceKeyFilter : public QObject {
 public:
@@ -70,6 +92,7 @@ private:
 void ConnectListEvents(QTreeWidget* list, const std::function<void()>& pick,
                        const std::function<void()>& ok, const std::function<void(int)>& sort) {
     list->installEventFilter(new SpaceKeyFilter(list, pick));
+    list->viewport()->installEventFilter(new EmptyAreaClickFilter(list, pick));
     QObject::connect(list, &QTreeWidget::itemClicked, list, Guarded([pick] { pick(); }));
     QObject::connect(list, &QTreeWidget::itemDoubleClicked, list, Guarded([ok] { ok(); }));
     QObject::connect(list->header(), &QHeaderView::sectionClicked, list,

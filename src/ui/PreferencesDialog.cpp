@@ -65,8 +65,11 @@ PreferencesDialog::PreferencesDialog(AppState& state, QWidget* parent)
     logic_->InitPreferences();
     connect(cmdOK, &QPushButton::clicked, this, Guarded([this] { OnOKCancel(); }));
     connect(cmdCancel, &QPushButton::clicked, this, Guarded([this] { OnOKCancel(); }));
-    connect(cmdEditCoverSheet, &QPushButton::clicked, this,
-            Guarded([this] { logic_->cmdEditCoverSheet(); }));
+    connect(cmdEditCoverSheet, &QPushButton::clicked, this, Guarded([this] {
+                if (!logic_->cmdEditCoverSheet() && StatusNote)
+                    StatusNote(QStringLiteral("The cover text could not be opened: no program "
+                                              "to edit text files was found."));
+            }));
 }
 
 PreferencesDialog::~PreferencesDialog() = default;

@@ -47,9 +47,12 @@ WorkspaceWindow::WorkspaceWindow(AppState& state, Shell& shell, Prompter& prompt
     setWindowTitle(QStringLiteral("Select Exercises"));
     cboProvider_->setObjectName(QStringLiteral("cboProvider"));
     cboProvider_->setEditable(true);
+    // Typed text names the program's clinician; it is not added to the picklist.
+    cboProvider_->setInsertPolicy(QComboBox::NoInsert);
     cboProvider_->setProperty("tag", QStringLiteral("Provider"));
     cboUsage_->setObjectName(QStringLiteral("cboUsage"));
     cboUsage_->setEditable(true);
+    cboUsage_->setInsertPolicy(QComboBox::NoInsert);
     cboUsage_->setProperty("tag", QStringLiteral("Usage"));
     BuildLayout();
 
@@ -295,6 +298,7 @@ void WorkspaceWindow::OpenParams() {
         return OnOpenParams();
     IParamsTarget& target = *this;
     ExerciseParamsDialog dialog(state_, target, this);
+    dialog.StatusNote = [this](const QString& note) { shell_.SetStatusBar(note); };
     dialog.exec();
 }
 void WorkspaceWindow::OpenProtocolSelection() {

@@ -94,3 +94,12 @@ TEST_F(VarToCurTest, AnythingThatDoesNotConvertGivesZero) {
     EXPECT_EQ(VarToCur(QVariant(1e300)), Units(0));
     EXPECT_EQ(VarToCur(QVariant(QDate(2024, 5, 1))), Units(0));
 }
+
+TEST(CurrencySign, EveryLocalePrintsAmountsWithOne) {
+    EXPECT_EQ(FormatCurrency(Units(199500), QLocale::c()).toStdString(), "$19.95");
+    EXPECT_EQ(FormatCurrency(Units(-199500), QLocale::c()).toStdString(), "-$19.95");
+    EXPECT_TRUE(FormatCurrency(Units(199500), QLocale(QLocale::German, QLocale::Germany))
+                    .contains(QChar(0x20AC)));
+    EXPECT_TRUE(FormatCurrency(Units(199500), QLocale(QLocale::English, QLocale::UnitedKingdom))
+                    .startsWith(QChar(0x00A3)));
+}

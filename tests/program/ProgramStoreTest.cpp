@@ -324,3 +324,19 @@ TEST(ProgramStore, TextsOfEveryKindAreStoredAndReadBackExactly) {
         EXPECT_EQ(p.Exercise(0).Code, text);
     }
 }
+
+TEST(SaveProgram, AProgramSavedBeforeAnyLoadIsDatedWithTheTimeOfTheSave) {
+    ProgramHarness h;
+    h.Choose(h.AddPatient("Ng"), "Ng, Ann");
+    h.FillExercises(1);
+    h.Program().Date = QDateTime(); // never loaded: an order stored first
+    h.Program().Modified = true;
+    const QDateTime before = QDateTime::currentDateTime().addSecs(-1);
+    h.store.SaveProgram(false);
+    QSqlQuery row = OpenQuery(h.Db(), "SELECT Date FROM Invoice");
+    ASSERT_TRUE(row.next());
+    const QDateTime stored = NullToDate(row.value(0));
+    EXPECT_GE(stored, before);
+    EXPECT_LE(stored, QDateTime::currentDateTime().addSecs(1));
+    EXPECT_NE(stored, UnreadableDate());
+}

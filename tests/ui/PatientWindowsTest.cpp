@@ -154,3 +154,20 @@ TEST(PatientWindows, TheSpaceBarPicksTheRowOfTheProgramList) {
     QTest::keyClick(list->lstPatients, Qt::Key_Space);
     EXPECT_TRUE(list->Button("Edit")->isEnabled());
 }
+
+TEST(PatientWindows, AClickInTheEmptyPartOfTheListEnablesTheButtonsAsAClickOnARowDoes) {
+    Window w;
+    w.window.ToolbarCommands().Action("Patient")->trigger();
+    auto* dialog = w.window.findChild<SelectPatientDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    dialog->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog));
+    ASSERT_EQ(dialog->lstPatients->topLevelItemCount(), 0);
+    EXPECT_FALSE(dialog->Button("Edit")->isEnabled());
+    QWidget* empty = dialog->lstPatients->viewport();
+    QTest::mouseClick(empty, Qt::LeftButton, {}, QPoint(20, empty->height() - 10));
+    EXPECT_TRUE(dialog->Button("OK")->isEnabled());
+    EXPECT_TRUE(dialog->Button("Edit")->isEnabled());
+    EXPECT_TRUE(dialog->Button("Delete")->isEnabled());
+    dialog->close();
+}

@@ -10,8 +10,10 @@
 #include "ui/PaneDrag.h"
 #include "ui/SlotPaneWidget.h"
 
+#include <QComboBox>
 #include <QDir>
 #include <QDropEvent>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QScrollBar>
@@ -165,4 +167,21 @@ TEST(WorkspaceWindow, ADeletedCurrentProgramEndsTheVisitWithItsErrorAndTheWindow
     QSqlQuery count = OpenQuery(r.state.Dbs.ProgramDb, "SELECT COUNT(*) FROM Invoice");
     ASSERT_TRUE(count.next());
     EXPECT_EQ(count.value(0).toInt(), 0);
+}
+
+TEST(WorkspaceWindow, TextTypedInTheProviderAndUsageBoxesIsNotAddedToTheirLists) {
+    WsRun r;
+    r.window.ToolbarCommands().Action("Exercises")->trigger();
+    for (QComboBox* box : {r.W().ProviderBox(), r.W().UsageBox()}) {
+        const int before = box->count();
+        box->setFocus();
+        box->lineEdit()->selectAll();
+        QTest::keyClicks(box->lineEdit(), "Dr. Hana Sato");
+        QTest::keyClick(box->lineEdit(), Qt::Key_Return);
+        EXPECT_EQ(box->count(), before) << box->objectName().toStdString();
+        EXPECT_EQ(box->currentText(), "Dr. Hana Sato");
+    }
+    QTest::mouseClick(r.W().Button("cmdOK"), Qt::LeftButton);
+    EXPECT_EQ(r.state.Program.Provider, "Dr. Hana Sato");
+    EXPECT_EQ(r.state.Program.Usage, "Dr. Hana Sato");
 }
