@@ -80,7 +80,7 @@ struct Rig {
         window = std::make_unique<WorkspaceWindow>(folder.state, shell.shell, prompter, store);
         window->LoadOnce();
         window->show();
-        folder.state.WorkspaceMode = 2; // no program to reload
+        folder.state.WorkspaceMode = WorkspacePurpose::NewProtocol; // no program to reload
         window->Logic().InitExerciseSelection(false);
         QCoreApplication::processEvents();
     }

@@ -46,35 +46,56 @@ void CloseFile(QSqlDatabase& db) {
 
 } // namespace
 
-void OpenDatabases(AppState& state) {
-    Databases& dbs = state.Dbs;
-    dbs.ProgramPath = AppPathAndFName(state, QLatin1String(kProgramDbFile));
-    dbs.LibraryPath = AppPathAndFName(state, QLatin1String(kLibraryDbFile));
-    dbs.PicklistPath = AppPathAndFName(state, QLatin1String(kPicklistDbFile));
+DatabaseSession::~DatabaseSession() {
+    CloseAll();
+}
+
+void DatabaseSession::OpenAll(const QString& appFolder) {
+    CloseAll();
+    appFolder_ = appFolder;
+    const QString libraryName = QLatin1String(kLibraryDbFile);
+    ProgramPath = FindFileNoCase(appFolder, QLatin1String(kProgramDbFile));
+    LibraryPath = FindFileNoCase(appFolder, libraryName);
+    PicklistPath = FindFileNoCase(appFolder, QLatin1String(kPicklistDbFile));
 
     // The databases are brought to the present version before anything is opened on them.
-    UpgradeDatabases(dbs.ProgramPath, dbs.LibraryPath, dbs.PicklistPath);
+    UpgradeDatabases(ProgramPath, LibraryPath, PicklistPath);
 
     try {
-        dbs.ProgramDb = OpenFile(dbs.ProgramPath, "ProgramDb");
-        dbs.LibraryDb = OpenFile(dbs.LibraryPath, "LibraryDb");
-        dbs.Library.Attach(dbs.LibraryDb);
-        dbs.PicklistDb = OpenFile(dbs.PicklistPath, "PicklistDb");
+        ProgramDb = OpenFile(ProgramPath, "ProgramDb");
+        LibraryDb = OpenFile(LibraryPath, "LibraryDb");
+        // A fresh view: a filter of the run before never survives a reopen.
+        Library = LibraryRecordset();
+        Library.Attach(LibraryDb);
+        PicklistDb = OpenFile(PicklistPath, "PicklistDb");
     } catch (...) {
-        CloseDatabases(state);
+        CloseAll();
         throw;
     }
-    ++dbs.OpenCount;
+    ++OpenCount;
+}
+
+void DatabaseSession::CloseAll() {
+    CloseFile(ProgramDb);
+    CloseFile(PicklistDb);
+    Library = LibraryRecordset();
+    CloseFile(LibraryDb);
+}
+
+void DatabaseSession::ReopenAll() {
+    const QString folder = appFolder_;
+    CloseAll();
+    OpenAll(folder);
+}
+
+void OpenDatabases(AppState& state) {
+    state.Dbs.OpenAll(state.AppFolder);
     state.Program.PatientID.reset();
     state.Program.InvoiceID.reset();
 }
 
 void CloseDatabases(AppState& state) {
-    Databases& dbs = state.Dbs;
-    CloseFile(dbs.ProgramDb);
-    CloseFile(dbs.PicklistDb);
-    dbs.Library.Detach();
-    CloseFile(dbs.LibraryDb);
+    state.Dbs.CloseAll();
 }
 
 } // namespace tarvex

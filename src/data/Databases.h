@@ -9,8 +9,27 @@ namespace tarvex {
 
 struct AppState;
 
-// The three database handles, open for the whole run.
-struct Databases {
+// The one owner of the three connections and of the long-lived library view. Opening,
+// closing and reopening go through it alone; nobody else keeps a connection across a
+// reopen (a statement takes the handle from here for its own run).
+class DatabaseSession {
+public:
+    DatabaseSession() = default;
+    ~DatabaseSession();
+    DatabaseSession(const DatabaseSession&) = delete;
+    DatabaseSession& operator=(const DatabaseSession&) = delete;
+
+    // Brings the three files of the folder up to date and opens them, with a fresh,
+    // unfiltered library view. A missing or unreadable file is a DatabaseFault; nothing
+    // is created, and nothing stays open after a failure.
+    void OpenAll(const QString& appFolder);
+    // Closes "Tarvex.MDB", "Picklist.MDB" and "Exercise Library.MDB", in that order.
+    void CloseAll();
+    // Closes and opens again, as the maintenance commands need.
+    void ReopenAll();
+
+    bool IsOpen() const { return ProgramDb.isValid() && ProgramDb.isOpen(); }
+
     QString ProgramPath;
     QString LibraryPath;
     QString PicklistPath;
@@ -20,8 +39,11 @@ struct Databases {
     LibraryRecordset Library;
     int OpenCount = 0; // how often the databases were opened in this run
 
-    bool IsOpen() const { return ProgramDb.isValid() && ProgramDb.isOpen(); }
+private:
+    QString appFolder_;
 };
+
+using Databases = DatabaseSession;
 
 // Opens the three databases of the application folder: first brings them up to the present
 // version, then "Tarvex.MDB", "Exercise Library.MDB" with the library view, "Picklist.MDB".

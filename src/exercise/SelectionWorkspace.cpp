@@ -51,10 +51,10 @@ void SelectionWorkspace::InitExerciseSelection(bool reload) {
 
 void SelectionWorkspace::Activate() {
     switch (state_.WorkspaceMode) {
-    case 0:
+    case WorkspacePurpose::None:
         shell_.UpdateMenu(2);
         break;
-    case 1:
+    case WorkspacePurpose::Program:
         view_.ShowProgramControls(true);
         shell_.UpdateMenu(1);
         shell_.UpdateToolbar(3);
@@ -295,9 +295,9 @@ void SelectionWorkspace::ShowChoicesPane() {
 
 void SelectionWorkspace::cmdOKCancel(const QString& tag) {
     ExerciseProgram& p = state_.Program;
-    const int mode = state_.WorkspaceMode;
+    const WorkspacePurpose mode = state_.WorkspaceMode;
     if (tag == QLatin1String("OK")) {
-        if (mode == 1) {
+        if (mode == WorkspacePurpose::Program) {
             shell_.SetStatusBarReady();
             p.Provider = cboProvider_.Text();
             p.Usage = cboUsage_.Text();
@@ -305,13 +305,13 @@ void SelectionWorkspace::cmdOKCancel(const QString& tag) {
             p.Modified = true; // OK counts as a change, whatever was changed
             shell_.UpdateToolbar(2);
             programs_.SaveProgram(false);
-        } else if (mode == 2 && services_.AddNewProtocol) {
+        } else if (mode == WorkspacePurpose::NewProtocol && services_.AddNewProtocol) {
             services_.AddNewProtocol();
-        } else if (mode == 3 && services_.SaveEditedProtocol) {
+        } else if (mode == WorkspacePurpose::StoredProtocol && services_.SaveEditedProtocol) {
             services_.SaveEditedProtocol();
         }
     } else if (tag == QLatin1String("Cancel")) {
-        if (mode == 1) {
+        if (mode == WorkspacePurpose::Program) {
             programs_.LoadProgram(p.InvoiceID);
             shell_.UpdateToolbar(2);
         }

@@ -11,6 +11,14 @@
 
 namespace tarvex {
 
+// Why the selection workspace is open; it decides what its OK and Cancel do.
+enum class WorkspacePurpose : int {
+    None = 0,           // not in use
+    Program = 1,        // building the current patient's program
+    NewProtocol = 2,    // a new protocol for the protocol editor
+    StoredProtocol = 3, // a stored protocol for the protocol editor
+};
+
 // The user's options (kept in the settings store).
 struct Preferences {
     bool PrintPatientCover = true;
@@ -52,7 +60,7 @@ struct AppState {
     Databases Dbs;
     PrintState Print;
 
-    int WorkspaceMode = 0;
+    WorkspacePurpose WorkspaceMode = WorkspacePurpose::None;
     bool SkipPrintDialog = false;
 
     // The selection workspace and its parameter dialog.

@@ -46,7 +46,7 @@ bool RunStartup(AppState& state, Shell& shell, const ISettingsStore& store, ISta
 
     host.ShowMainWindow();
 
-    state.WorkspaceMode = 0;
+    state.WorkspaceMode = WorkspacePurpose::None;
     // The selection workspace is built once and kept hidden; loading it builds the
     // library cache.
     host.LoadSelectionWorkspace();

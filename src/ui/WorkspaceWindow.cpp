@@ -203,7 +203,7 @@ void WorkspaceWindow::StartProgramVisit() {
     LoadOnce();
     const int toolbarBefore = shell_.ToolbarMode();
     const int menuBefore = shell_.MenuMode();
-    state_.WorkspaceMode = 1;
+    state_.WorkspaceMode = WorkspacePurpose::Program;
     show();
     raise();
     const bool loaded = RunGuarded([this] {
@@ -213,7 +213,7 @@ void WorkspaceWindow::StartProgramVisit() {
     if (!loaded) {
         // The program could not be loaded (it was deleted, say): the command ends with its
         // error box, and the window goes as if it had never opened.
-        state_.WorkspaceMode = 0;
+        state_.WorkspaceMode = WorkspacePurpose::None;
         hide();
         shell_.UpdateToolbar(toolbarBefore);
         shell_.UpdateMenu(menuBefore);

@@ -171,3 +171,28 @@ TEST(Databases, AFileOfAnotherVersionIsRefusedUnchanged) {
     }
     EXPECT_EQ(ReadDatabaseVersion(folder.File("Exercise Library.MDB")), "3.5");
 }
+
+TEST(DatabaseSession, AReopenGivesAFreshUnfilteredLibraryViewAndNoCurrentPatient) {
+    TestFolder folder;
+    OpenDatabases(folder.state);
+    DatabaseSession& session = folder.state.Dbs;
+    const int all = session.Library.RecordCount();
+    session.Library.SetFilter("(Joint LIKE '*Knee*')");
+    ASSERT_LT(session.Library.RecordCount(), all);
+    folder.state.Program.PatientID = 7;
+
+    session.ReopenAll();
+    EXPECT_TRUE(session.IsOpen());
+    EXPECT_EQ(session.Library.Filter(), "");
+    EXPECT_EQ(session.Library.RecordCount(), all);
+    EXPECT_EQ(session.OpenCount, 2);
+    // Only the three connections of the session exist: the old ones are gone.
+    EXPECT_EQ(QSqlDatabase::connectionNames().size(), 3);
+    OpenDatabases(folder.state);
+    EXPECT_FALSE(folder.state.Program.PatientID.has_value());
+    EXPECT_EQ(QSqlDatabase::connectionNames().size(), 3);
+    session.CloseAll();
+    EXPECT_FALSE(session.IsOpen());
+    EXPECT_FALSE(session.Library.IsOpen());
+    EXPECT_TRUE(QSqlDatabase::connectionNames().isEmpty());
+}

@@ -245,17 +245,17 @@ TEST(Workspace, ProviderAndUsagePicksSetModified) {
 
 TEST(Workspace, ActivationSetsTheCommandsByWorkspaceMode) {
     Workspace w;
-    w.h.State().WorkspaceMode = 1;
+    w.h.State().WorkspaceMode = WorkspacePurpose::Program;
     w.logic.Activate();
     EXPECT_TRUE(w.view.programControls);
     EXPECT_EQ(w.h.shell.shell.MenuMode(), 1);
     EXPECT_EQ(w.h.shell.shell.ToolbarMode(), 3);
-    w.h.State().WorkspaceMode = 2;
+    w.h.State().WorkspaceMode = WorkspacePurpose::NewProtocol;
     w.h.shell.shell.UpdateToolbar(0);
     w.logic.Activate();
     EXPECT_FALSE(w.view.programControls);
     EXPECT_EQ(w.h.shell.shell.ToolbarMode(), 0);
-    w.h.State().WorkspaceMode = 0;
+    w.h.State().WorkspaceMode = WorkspacePurpose::None;
     w.logic.Activate();
     EXPECT_EQ(w.h.shell.shell.MenuMode(), 2);
 }
@@ -264,7 +264,7 @@ TEST(Workspace, AVisitReloadsTheStoredProgramAndOkSavesIt) {
     Workspace w;
     const int32_t patient = w.h.AddPatient("Ng");
     w.h.Choose(patient, "Ng, Ann");
-    w.h.State().WorkspaceMode = 1;
+    w.h.State().WorkspaceMode = WorkspacePurpose::Program;
     w.logic.InitExerciseSelection(true);
     EXPECT_EQ(w.listInits, 1);
     EXPECT_EQ(w.P().NumExercises, 0); // no stored program: defaults
@@ -290,7 +290,7 @@ TEST(Workspace, AVisitReloadsTheStoredProgramAndOkSavesIt) {
 TEST(Workspace, CancelAfterDeletingRestoresFromTheDatabase) {
     Workspace w;
     w.h.Choose(w.h.AddPatient("Ng"), "Ng, Ann");
-    w.h.State().WorkspaceMode = 1;
+    w.h.State().WorkspaceMode = WorkspacePurpose::Program;
     w.logic.InitExerciseSelection(true);
     w.Fill(4);
     w.logic.cmdOKCancel("OK");
@@ -306,11 +306,11 @@ TEST(Workspace, CancelAfterDeletingRestoresFromTheDatabase) {
 
 TEST(Workspace, OkAndCancelForProtocolsLeaveTheProgramAlone) {
     Workspace w;
-    w.h.State().WorkspaceMode = 2;
+    w.h.State().WorkspaceMode = WorkspacePurpose::NewProtocol;
     w.Fill(2);
     w.logic.cmdOKCancel("OK");
     EXPECT_EQ(w.protocolsAdded, 1);
-    w.h.State().WorkspaceMode = 3;
+    w.h.State().WorkspaceMode = WorkspacePurpose::StoredProtocol;
     w.logic.cmdOKCancel("OK");
     EXPECT_EQ(w.protocolsSaved, 1);
     w.logic.cmdOKCancel("Cancel");

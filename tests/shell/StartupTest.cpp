@@ -59,7 +59,7 @@ TEST(Startup, AFirstStartInAnEmptyFolderCreatesTheDatabasesAndReachesTheReadySta
     EXPECT_FALSE(run.state.CoverText.isEmpty());
     EXPECT_TRUE(run.state.CoverText.endsWith("\r\n"));
     EXPECT_EQ(run.state.Print.PrintScale, 1.0);
-    EXPECT_EQ(run.state.WorkspaceMode, 0);
+    EXPECT_EQ(run.state.WorkspaceMode, WorkspacePurpose::None);
     EXPECT_FALSE(run.state.Program.PatientID.has_value());
     EXPECT_TRUE(run.prompter.boxes.empty());
 }

@@ -49,7 +49,7 @@ TEST(WorkspaceWindow, IsLoadedHiddenAtStartAndOpensFromTheToolbar) {
     r.window.ToolbarCommands().Action("Exercises")->trigger();
     EXPECT_TRUE(r.W().isVisible());
     EXPECT_EQ(r.W().windowTitle(), "Select Exercises");
-    EXPECT_EQ(r.state.WorkspaceMode, 1);
+    EXPECT_EQ(r.state.WorkspaceMode, WorkspacePurpose::Program);
     EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), 3);
     EXPECT_EQ(r.window.ShellLogic().MenuMode(), 1);
     EXPECT_EQ(r.W().ViewList(0)->item(0)->text(), "(All)");
@@ -162,7 +162,7 @@ TEST(WorkspaceWindow, ADeletedCurrentProgramEndsTheVisitWithItsErrorAndTheWindow
     EXPECT_EQ(r.window.ShellLogic().MenuMode(), 2);
     EXPECT_TRUE(r.window.MenuCommands().Action("mnuDatabase")->isEnabled());
     EXPECT_TRUE(r.window.ToolbarCommands().Action("Patient")->isEnabled());
-    EXPECT_EQ(r.state.WorkspaceMode, 0);
+    EXPECT_EQ(r.state.WorkspaceMode, WorkspacePurpose::None);
     // Nothing was written back: the deleted program stays deleted.
     QSqlQuery count = OpenQuery(r.state.Dbs.ProgramDb, "SELECT COUNT(*) FROM Invoice");
     ASSERT_TRUE(count.next());
