@@ -1,8 +1,11 @@
 # Fails when a file of the core library includes a Qt Widgets, PrintSupport or
 # Multimedia header: windows belong in src/ui.
-file(GLOB_RECURSE files ${SOURCE_DIR}/support/* ${SOURCE_DIR}/data/* ${SOURCE_DIR}/exercise/*
-     ${SOURCE_DIR}/shell/* ${SOURCE_DIR}/program/* ${SOURCE_DIR}/picklist/*
-     ${SOURCE_DIR}/print/*)
+include(${CMAKE_CURRENT_LIST_DIR}/../cmake/CoreFolders.cmake)
+set(globs "")
+foreach(folder IN LISTS TARVEX_CORE_FOLDERS)
+    list(APPEND globs ${SOURCE_DIR}/${folder}/*)
+endforeach()
+file(GLOB_RECURSE files ${globs})
 set(bad "")
 foreach(f IN LISTS files)
     file(STRINGS ${f} lines REGEX "#include <(QtWidgets|QtPrintSupport|QtMultimedia|QWidget|QDialog|QMessageBox|QMainWindow|QApplication|QPrinter)")
