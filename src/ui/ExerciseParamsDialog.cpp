@@ -216,7 +216,9 @@ void ExerciseParamsDialog::setVisible(bool visible) {
         edit->setCursorPosition(0);
         edit->setToolTip(edit->text());
     }
-    // The movie may have made the window larger: centre it again at its new size.
+    // The movie may have made the window larger: keep it on the screen, then centre it
+    // again at its new size.
+    FitMovieToScreen();
     layout()->activate();
     if (size() != before)
         PlaceOnScreen();
@@ -225,6 +227,25 @@ void ExerciseParamsDialog::setVisible(bool visible) {
 void ExerciseParamsDialog::ShowNow() {
     if (!isVisible())
         FormDialog::setVisible(true);
+}
+
+void ExerciseParamsDialog::FitMovieToScreen() {
+    const QScreen* where = screen();
+    if (!where)
+        return;
+    layout()->activate();
+    // Room for the window manager's title bar, which the frame does not show yet.
+    constexpr int kTitleBar = 32;
+    const int room = where->availableGeometry().height() - kTitleBar;
+    const int excess = sizeHint().height() - room;
+    const QSize movie = MovFrame->size();
+    if (excess <= 0 || movie.height() <= 0)
+        return;
+    // A large movie is shown smaller, in its own proportions, so that OK and the movie's
+    // buttons stay on the screen; the video scales to its surface.
+    const int height = std::max(kEmptyMovieHeight / 2, movie.height() - excess);
+    const int width = movie.width() * height / movie.height();
+    MovFrame->setFixedSize(width, height);
 }
 
 void ExerciseParamsDialog::PlaceOnScreen() {

@@ -62,6 +62,7 @@ private:
     void BuildLayout();
     void OnOKCancel();
     void PlaceOnScreen();
+    void FitMovieToScreen();
     void Unload() override;
     void NoteMissingMovie(int command);
 

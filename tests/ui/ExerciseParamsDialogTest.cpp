@@ -455,3 +455,20 @@ TEST_F(ExerciseParamsWindow, Screenshot) {
 }
 
 } // namespace
+
+TEST_F(ExerciseParamsWindow, ALargeMovieIsShownSmallerSoThatTheWindowFitsTheScreen) {
+    if (MakeMovie(MoviePath(), QSize(480, 360), 2).isEmpty())
+        GTEST_SKIP() << "ffmpeg is not installed";
+    auto dialog = Open();
+    ASSERT_NE(dialog->Logic().MediaHandle(), 0);
+    const QRect screen = dialog->screen()->availableGeometry();
+    EXPECT_LE(dialog->height() + 32, screen.height());
+    EXPECT_LE(dialog->width(), screen.width());
+    const QSize movie = dialog->MovFrame->size();
+    EXPECT_LE(movie.height(), 379);
+    EXPECT_NEAR(double(movie.width()) / movie.height(), 482.0 / 379.0, 0.02);
+    // OK and the movie's buttons lie inside the window, which lies on the screen.
+    EXPECT_TRUE(dialog->rect().contains(dialog->cmdOK->geometry()));
+    EXPECT_TRUE(dialog->rect().contains(
+        dialog->cmdControl[ExerciseParamsLogic::kRewind]->mapTo(dialog.get(), QPoint(0, 0))));
+}

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Runs a command on a virtual X display of 1366x768 with a window manager (openbox when it
-# is installed), as a clinic's screen would be.
+# Runs a command on a virtual X display of 1366x768 (or the size in TARVEX_SCREEN) with a
+# window manager (openbox when it is installed), as a clinic's screen would be.
 set -euo pipefail
-exec xvfb-run -a -s "-screen 0 1366x768x24" bash -c '
+exec xvfb-run -a -s "-screen 0 ${TARVEX_SCREEN:-1366x768}x24" bash -c '
     if command -v openbox >/dev/null; then
         openbox >/dev/null 2>&1 &
         wm=$!
