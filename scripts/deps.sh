@@ -13,7 +13,7 @@ TARVEX_PACKAGES=(
 # manager with xprop and xdotool for the tests on a virtual display.
 TARVEX_TEST_PACKAGES=(
     cups printer-driver-cups-pdf ghostscript libreoffice-writer libreoffice-core
-    openbox x11-utils xdotool
+    openbox x11-utils xdotool clang-tidy
 )
 
 # ensure_deps [extra packages...]

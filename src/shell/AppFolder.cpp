@@ -21,7 +21,7 @@ QString AppPathAndFName(const AppState& state, const QString& name) {
 }
 
 QString FindFileNoCase(const QString& folder, const QString& name) {
-    const QString joined = QDir(folder).filePath(name);
+    QString joined = QDir(folder).filePath(name);
     if (QFileInfo::exists(joined))
         return joined;
     const QFileInfo wanted(joined);
@@ -40,7 +40,7 @@ QString DefaultAppFolder() {
 }
 
 QString DefaultDeliveredFolder() {
-    const QString beside = QCoreApplication::applicationDirPath();
+    QString beside = QCoreApplication::applicationDirPath();
     const QString installed = QDir(beside).filePath(QStringLiteral("../share/tarvex"));
     if (QFileInfo::exists(QDir(installed).filePath(QStringLiteral("templates"))))
         return QDir::cleanPath(installed);

@@ -16,7 +16,9 @@ int32_t TotalOrOne(int32_t total) {
 } // namespace
 
 int16_t ProgressScaleFor(int32_t total) {
-    return ToInt16(TotalOrOne(total) / kStepsPerScale + 1);
+    // Whole steps: the division drops the remainder.
+    const int32_t steps = TotalOrOne(total) / kStepsPerScale;
+    return ToInt16(steps + 1);
 }
 
 int32_t ProgressMaxFor(int32_t total) {
