@@ -66,12 +66,12 @@ int Fail(const QString& message) {
     return 1;
 }
 
-const std::map<QString, int>& Jobs() {
-    static const std::map<QString, int> jobs{{QStringLiteral("order"), kJobVideoOrder},
-                                             {QStringLiteral("ex2"), kJobExercises2},
-                                             {QStringLiteral("ex4"), kJobExercises4},
-                                             {QStringLiteral("cover"), kJobCoverSheet},
-                                             {QStringLiteral("record"), kJobPatientRecord}};
+const std::map<QString, JobKind>& Jobs() {
+    static const std::map<QString, JobKind> jobs{{QStringLiteral("order"), kJobVideoOrder},
+                                                 {QStringLiteral("ex2"), kJobExercises2},
+                                                 {QStringLiteral("ex4"), kJobExercises4},
+                                                 {QStringLiteral("cover"), kJobCoverSheet},
+                                                 {QStringLiteral("record"), kJobPatientRecord}};
     return jobs;
 }
 

@@ -300,7 +300,7 @@ PreviewAction PreviewLogic::Toolbar(const QString& key) {
 void PreviewLogic::PrintFromPreview(PageSurface& printer,
                                     const std::function<bool()>& printDialog) {
     PrintState& print = m_state.Print;
-    const int job = print.PrintJobKind;
+    const JobKind job = print.PrintJobKind;
     if (m_state.Prefs.PrintPatientCover && (job == kJobExercises2 || job == kJobExercises4)) {
         print.PrintJobKind = kJobCoverSheet;
         RunPrintJob(m_state, printer, printDialog, PrintVideoOrderForm);

@@ -5,14 +5,14 @@
 
 namespace tarvex {
 
-int JobOrientation(int jobKind) {
-    return jobKind == kJobExercises2 ? kLandscape : kPortrait;
+int JobOrientation(JobKind job) {
+    return job == kJobExercises2 ? kLandscape : kPortrait;
 }
 
 bool DrawPrintJob(PageSurface& surface, AppState& state, const SheetRoutine& orderForm,
                   const NextPreviewPage& nextPage) {
-    const int job = state.Print.PrintJobKind;
-    if (job < kJobVideoOrder || job > kJobPatientRecord)
+    const JobKind job = state.Print.PrintJobKind;
+    if (static_cast<int>(job) < 0 || static_cast<int>(job) > static_cast<int>(kJobPatientRecord))
         return false;
     if (job == kJobVideoOrder && !orderForm)
         return false;
@@ -46,7 +46,7 @@ bool RunPrintJob(AppState& state, PageSurface& printer, const std::function<bool
     print.PrintScale = 1.0;
     print.IsPreview = false;
 
-    const int job = print.PrintJobKind;
+    const JobKind job = print.PrintJobKind;
     const bool coverCameFirst =
         (job == kJobExercises2 || job == kJobExercises4) && state.Prefs.PrintPatientCover;
     if (!coverCameFirst && printDialog && !printDialog()) {

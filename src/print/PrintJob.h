@@ -8,17 +8,15 @@
 
 namespace tarvex {
 
-// The print jobs, as PrintState::PrintJobKind holds them.
-enum PrintJob : int {
-    kJobVideoOrder = 0,
-    kJobExercises2 = 1,
-    kJobExercises4 = 2,
-    kJobCoverSheet = 3,
-    kJobPatientRecord = 4,
-};
+// The print jobs by the names the commands use.
+inline constexpr JobKind kJobVideoOrder = JobKind::VideoOrder;
+inline constexpr JobKind kJobExercises2 = JobKind::Exercises2;
+inline constexpr JobKind kJobExercises4 = JobKind::Exercises4;
+inline constexpr JobKind kJobCoverSheet = JobKind::CoverSheet;
+inline constexpr JobKind kJobPatientRecord = JobKind::PatientRecord;
 
 // The orientation of a job's pages.
-int JobOrientation(int jobKind);
+int JobOrientation(JobKind job);
 
 // A drawing routine of a whole job.
 using SheetRoutine = std::function<void(PageSurface&, AppState&)>;

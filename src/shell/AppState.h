@@ -27,9 +27,18 @@ struct Preferences {
     QString Provider;
 };
 
+// The print jobs.
+enum class JobKind : int {
+    VideoOrder = 0,    // the video order form, portrait
+    Exercises2 = 1,    // exercise sheets, two a page, landscape
+    Exercises4 = 2,    // exercise sheets, four a page, portrait
+    CoverSheet = 3,    // the patient's cover sheet, portrait
+    PatientRecord = 4, // the record for the chart, portrait
+};
+
 // What the printed pages share.
 struct PrintState {
-    int PrintJobKind = 0;
+    JobKind PrintJobKind = JobKind::VideoOrder;
     double PrintScale = 1.0;
     int BaseFontSize = 10;
     int16_t InchTwips = 1440; // twips of one page inch at the current scale

@@ -132,7 +132,7 @@ void MainWindow::BuildMenu() {
     struct PreviewEntry {
         const char* key;
         const char* caption;
-        int job;
+        JobKind job;
     };
     const PreviewEntry previews[] = {
         {"mnuPreviewEx4", "Exercises &4/page", kJobExercises4},
@@ -142,7 +142,7 @@ void MainWindow::BuildMenu() {
         {"mnuPreviewCover", "&Cover Page", kJobCoverSheet},
     };
     for (const PreviewEntry& entry : previews) {
-        const int job = entry.job;
+        const JobKind job = entry.job;
         connect(AddMenuEntry(preview, entry.key, entry.caption), &QAction::triggered, this,
                 Guarded([this, job] { OpenPreview(job); }));
     }
@@ -261,13 +261,13 @@ void MainWindow::OpenProgramList() {
     dialog->show();
 }
 
-bool MainWindow::RunJobOn(PageSurface& surface, int job) {
+bool MainWindow::RunJobOn(PageSurface& surface, JobKind job) {
     state_.Print.PrintJobKind = job;
     return RunPrintJob(
         state_, surface, [this] { return shell_->MaybeShowPrintDlg(); }, PrintVideoOrderForm);
 }
 
-void MainWindow::PrintExercises(int job, const QString& statusText) {
+void MainWindow::PrintExercises(JobKind job, const QString& statusText) {
     shell_->SetStatusBar(statusText);
     bool printed = false;
     {
@@ -285,14 +285,14 @@ void MainWindow::PrintExercises(int job, const QString& statusText) {
         NoteUnprinted();
 }
 
-void MainWindow::OpenPreview(int job) {
+void MainWindow::OpenPreview(JobKind job) {
     state_.Print.PrintJobKind = job;
     PrintPreviewDialog dialog(
         state_, printer_, [this] { return shell_->MaybeShowPrintDlg(); }, this);
     dialog.exec();
 }
 
-void MainWindow::PrintJob(int job) {
+void MainWindow::PrintJob(JobKind job) {
     bool printed = false;
     {
         const BusyCursor busy;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "program/ProgramStore.h"
+#include "shell/AppState.h"
 #include "shell/Shell.h"
 #include "shell/Startup.h"
 #include "ui/QtControls.h"
@@ -61,11 +62,11 @@ private:
     void BuildStatusBar();
     QAction* AddMenuEntry(QMenu* menu, const QString& key, const QString& caption);
     void OnToolbar(const QString& key);
-    void PrintExercises(int job, const QString& statusText);
-    void PrintJob(int job);
-    void OpenPreview(int job);
+    void PrintExercises(JobKind job, const QString& statusText);
+    void PrintJob(JobKind job);
+    void OpenPreview(JobKind job);
     void PrintCoverDocument();
-    bool RunJobOn(class PageSurface& surface, int job);
+    bool RunJobOn(class PageSurface& surface, JobKind job);
     void OpenPreferences();
     void OpenSelectPatient();
     void OpenEditPatient();

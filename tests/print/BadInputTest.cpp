@@ -80,11 +80,11 @@ constexpr SheetGeometry kFourAPage{
     .PageHeight = kPortraitHeight,
 };
 
-const SheetGeometry& GeometryOf(int job) {
+const SheetGeometry& GeometryOf(JobKind job) {
     return job == kJobExercises2 ? kTwoAPage : kFourAPage;
 }
 // The pages of a job: the sheets hold 2 or 4 exercises a page, the other jobs are one page.
-int PagesFor(int job, int exercises) {
+int PagesFor(JobKind job, int exercises) {
     if (job != kJobExercises2 && job != kJobExercises4)
         return 1;
     const int perPage = job == kJobExercises2 ? 2 : 4;
@@ -230,7 +230,7 @@ double ColumnOf(const SheetGeometry& geometry, double x) {
 }
 
 // Runs a job through the printing entry, the printer dialog answering OK.
-bool RunJob(AppState& state, PageSurface& surface, int job) {
+bool RunJob(AppState& state, PageSurface& surface, JobKind job) {
     state.Print.PrintJobKind = job;
     bool ran = false;
     EXPECT_NO_THROW(ran = RunPrintJob(
@@ -242,7 +242,7 @@ bool RunJob(AppState& state, PageSurface& surface, int job) {
 
 // Prints the job into a PDF file the way a printer gets it. The cover sheet leaves the
 // document open for the sheets that follow; the file is closed here whatever the job did.
-bool RunJobToPdf(AppState& state, int job, const QString& file) {
+bool RunJobToPdf(AppState& state, JobKind job, const QString& file) {
     QPdfWriter writer(file);
     writer.setResolution(1200);
     writer.setPageLayout(
@@ -305,9 +305,9 @@ struct BadInput : ::testing::Test {
     }
 
     // Draws the job afresh on the recording surface and returns its page count.
-    int Record(int job) {
+    int Record(JobKind job) {
         surface.Clear();
-        EXPECT_TRUE(RunJob(state, surface, job)) << "job " << job;
+        EXPECT_TRUE(RunJob(state, surface, job)) << "job " << static_cast<int>(job);
         return surface.PageCount();
     }
 
@@ -321,7 +321,7 @@ struct BadInput : ::testing::Test {
     }
 
     // Every heading once, and the words of every instruction under its picture box.
-    void ExpectEveryExerciseTextUnderItsBox(int job) {
+    void ExpectEveryExerciseTextUnderItsBox(JobKind job) {
         const SheetGeometry& geometry = GeometryOf(job);
         for (int i = 0; i < state.Program.NumExercises; ++i) {
             const ExerciseEntry& e = state.Program.Exercise(i);
@@ -351,9 +351,9 @@ TEST_F(BadInput, AFileThatCannotBeWrittenEndsTheJobSilentlyAndPutsTheScaleBack) 
     FillProgram(state, 5);
     state.Print.PrintScale = 0.75;
     const QString file = dir.filePath("no such folder/sheets.pdf");
-    for (int job :
+    for (JobKind job :
          {kJobExercises2, kJobExercises4, kJobCoverSheet, kJobPatientRecord, kJobVideoOrder}) {
-        EXPECT_FALSE(RunJobToPdf(state, job, file)) << "job " << job;
+        EXPECT_FALSE(RunJobToPdf(state, job, file)) << "job " << static_cast<int>(job);
         EXPECT_EQ(state.Print.PrintScale, 0.75);
         EXPECT_FALSE(QFileInfo::exists(file));
     }
@@ -363,8 +363,8 @@ TEST_F(BadInput, AFileThatCannotBeWrittenEndsTheJobSilentlyAndPutsTheScaleBack) 
 
 TEST_F(BadInput, MissingPicturesLeaveEveryBoxEmptyAndTheSheetsGoOn) {
     FillProgram(state, 20); // every picture named, none in the folder
-    for (const int job : {kJobExercises2, kJobExercises4}) {
-        EXPECT_EQ(Record(job), PagesFor(job, 20)) << "job " << job;
+    for (const JobKind job : {kJobExercises2, kJobExercises4}) {
+        EXPECT_EQ(Record(job), PagesFor(job, 20)) << "job " << static_cast<int>(job);
         EXPECT_TRUE(surface.OpsOf(Kind::Picture).isEmpty());
         EXPECT_EQ(surface.OpsOf(Kind::EndDoc).size(), 1);
         ExpectEveryExerciseTextUnderItsBox(job);
@@ -376,11 +376,11 @@ TEST_F(BadInput, BrokenPictureFilesLeaveTheirBoxesEmptyAndASoundOneIsPainted) {
     WriteBrokenPictures(pictures, 20);
     // One sound picture among the broken ones: the second view of the fourth exercise.
     WriteFile(QDir(pictures).filePath(PictureName(3, 2)), EncodedPicture("JPG"));
-    for (const int job : {kJobExercises2, kJobExercises4}) {
+    for (const JobKind job : {kJobExercises2, kJobExercises4}) {
         const SheetGeometry& geometry = GeometryOf(job);
-        EXPECT_EQ(Record(job), PagesFor(job, 20)) << "job " << job;
+        EXPECT_EQ(Record(job), PagesFor(job, 20)) << "job " << static_cast<int>(job);
         const QList<RecordedOp> painted = surface.OpsOf(Kind::Picture);
-        ASSERT_EQ(painted.size(), 1) << "job " << job;
+        ASSERT_EQ(painted.size(), 1) << "job " << static_cast<int>(job);
         const RecordedOp* heading = surface.FindText(Heading(state.Program.Exercise(3)));
         ASSERT_NE(heading, nullptr);
         EXPECT_EQ(painted[0].page, heading->page);
@@ -430,15 +430,15 @@ TEST_F(BadInput, PdfOfSheetsWithBrokenPicturesHoldsEveryPageAndTextAndOnlyTheSou
     FillProgram(state, 20);
     WriteBrokenPictures(pictures, 20);
     WriteFile(QDir(pictures).filePath(PictureName(3, 2)), EncodedPicture("JPG"));
-    for (const int job : {kJobExercises2, kJobExercises4}) {
-        const QString file = Pdf(QStringLiteral("pictures-%1").arg(job));
+    for (const JobKind job : {kJobExercises2, kJobExercises4}) {
+        const QString file = Pdf(QStringLiteral("pictures-%1").arg(static_cast<int>(job)));
         ASSERT_TRUE(RunJobToPdf(state, job, file));
-        EXPECT_EQ(PdfPages(file), PagesFor(job, 20)) << "job " << job;
-        EXPECT_EQ(PdfImages(file), 1) << "job " << job;
+        EXPECT_EQ(PdfPages(file), PagesFor(job, 20)) << "job " << static_cast<int>(job);
+        EXPECT_EQ(PdfImages(file), 1) << "job " << static_cast<int>(job);
         const QString text = PdfText(file);
         for (int i = 0; i < 20; ++i) {
             EXPECT_TRUE(text.contains(Heading(state.Program.Exercise(i))))
-                << "job " << job << ", exercise " << i + 1;
+                << "job " << static_cast<int>(job) << ", exercise " << i + 1;
             EXPECT_TRUE(text.contains(QStringLiteral("Lower%1 slowly.").arg(i + 1)));
         }
     }
@@ -458,9 +458,9 @@ TEST_F(BadInput, LongDescriptionsRunWholeOnTheHeadingLinePastTheRightEdge) {
     FillProgram(state, 20);
     for (int i = 0; i < 20; ++i)
         state.Program.Exercise(i).Desc = LongDesc(i);
-    for (const int job : {kJobExercises2, kJobExercises4}) {
+    for (const JobKind job : {kJobExercises2, kJobExercises4}) {
         const SheetGeometry& geometry = GeometryOf(job);
-        EXPECT_EQ(Record(job), PagesFor(job, 20)) << "job " << job;
+        EXPECT_EQ(Record(job), PagesFor(job, 20)) << "job " << static_cast<int>(job);
         for (int i = 0; i < 20; ++i) {
             // Neither wrapped nor cut: one line at the margin, beyond the edge of the page.
             const RecordedOp* heading = surface.FindText(Heading(state.Program.Exercise(i)));
@@ -481,14 +481,14 @@ TEST_F(BadInput, LongDescriptionsRunOverTheNextColumnsOfTheRecordAndTheOrderForm
     FillProgram(state, 20);
     for (int i = 0; i < 20; ++i)
         state.Program.Exercise(i).Desc = LongDesc(i);
-    for (const int job : {kJobPatientRecord, kJobVideoOrder}) {
-        EXPECT_EQ(Record(job), 1) << "job " << job;
+    for (const JobKind job : {kJobPatientRecord, kJobVideoOrder}) {
+        EXPECT_EQ(Record(job), 1) << "job " << static_cast<int>(job);
         EXPECT_EQ(surface.OpsOf(Kind::NewPage).size(), 0);
         for (int i = 0; i < 20; ++i) {
             // The description column starts 2 inches in on both; the text runs on whole over
             // the columns after it and off the page.
             const RecordedOp* desc = surface.FindText(LongDesc(i));
-            ASSERT_NE(desc, nullptr) << "job " << job << ", exercise " << i + 1;
+            ASSERT_NE(desc, nullptr) << "job " << static_cast<int>(job) << ", exercise " << i + 1;
             EXPECT_EQ(desc->x, 2880);
             EXPECT_GT(RightEnd(*desc), kPortraitWidth);
         }
@@ -508,23 +508,24 @@ TEST_F(BadInput, PdfOfLongDescriptionsHasTheExpectedPagesForEveryJob) {
     FillProgram(state, 20);
     for (int i = 0; i < 20; ++i)
         state.Program.Exercise(i).Desc = LongDesc(i);
-    for (const int job : {kJobExercises2, kJobExercises4, kJobPatientRecord, kJobVideoOrder}) {
-        const QString file = Pdf(QStringLiteral("desc-%1").arg(job));
-        ASSERT_TRUE(RunJobToPdf(state, job, file)) << "job " << job;
-        EXPECT_EQ(PdfPages(file), PagesFor(job, 20)) << "job " << job;
+    for (const JobKind job : {kJobExercises2, kJobExercises4, kJobPatientRecord, kJobVideoOrder}) {
+        const QString file = Pdf(QStringLiteral("desc-%1").arg(static_cast<int>(job)));
+        ASSERT_TRUE(RunJobToPdf(state, job, file)) << "job " << static_cast<int>(job);
+        EXPECT_EQ(PdfPages(file), PagesFor(job, 20)) << "job " << static_cast<int>(job);
         // The start of each description stands on the page; the part off the page is lost.
         const QString text = PdfText(file);
         for (int i = 0; i < 20; ++i)
-            EXPECT_TRUE(text.contains(LongDesc(i).left(20))) << "job " << job << ", " << i + 1;
-        EXPECT_FALSE(text.contains(LongDesc(0))) << "job " << job;
+            EXPECT_TRUE(text.contains(LongDesc(i).left(20)))
+                << "job " << static_cast<int>(job) << ", " << i + 1;
+        EXPECT_FALSE(text.contains(LongDesc(0))) << "job " << static_cast<int>(job);
     }
 }
 
 // --- An empty program -------------------------------------------------------------------
 
 TEST_F(BadInput, EmptyProgramGivesSheetsOfOnePageWithTitleHeaderAndFooterOnly) {
-    for (const int job : {kJobExercises2, kJobExercises4}) {
-        EXPECT_EQ(Record(job), 1) << "job " << job;
+    for (const JobKind job : {kJobExercises2, kJobExercises4}) {
+        EXPECT_EQ(Record(job), 1) << "job " << static_cast<int>(job);
         EXPECT_EQ(surface.OpsOf(Kind::EndDoc).size(), 1);
         EXPECT_NE(surface.FindText("Harbor PT, 555-0100"), nullptr);
         EXPECT_NE(surface.FindText("Site #: 4711"), nullptr);
@@ -568,14 +569,14 @@ TEST_F(BadInput, EmptyProgramGivesAnOrderFormOfBlanks) {
 }
 
 TEST_F(BadInput, PdfOfAnEmptyProgramHasOnePageForEachOfTheFiveJobs) {
-    for (const int job :
+    for (const JobKind job :
          {kJobExercises2, kJobExercises4, kJobPatientRecord, kJobCoverSheet, kJobVideoOrder}) {
-        const QString file = Pdf(QStringLiteral("empty-%1").arg(job));
-        ASSERT_TRUE(RunJobToPdf(state, job, file)) << "job " << job;
-        EXPECT_EQ(PdfPages(file), 1) << "job " << job;
+        const QString file = Pdf(QStringLiteral("empty-%1").arg(static_cast<int>(job)));
+        ASSERT_TRUE(RunJobToPdf(state, job, file)) << "job " << static_cast<int>(job);
+        EXPECT_EQ(PdfPages(file), 1) << "job " << static_cast<int>(job);
         const QString text = PdfText(file);
-        EXPECT_TRUE(text.contains("Harbor PT, 555-0100")) << "job " << job;
-        EXPECT_TRUE(text.contains(MakerNotice())) << "job " << job;
+        EXPECT_TRUE(text.contains("Harbor PT, 555-0100")) << "job " << static_cast<int>(job);
+        EXPECT_TRUE(text.contains(MakerNotice())) << "job " << static_cast<int>(job);
     }
 }
 
@@ -594,10 +595,10 @@ void FillProgramWithLongInstructions(AppState& state) {
 
 TEST_F(BadInput, LongInstructionsWrapInTheirColumnsAndRunOnOverWhatFollows) {
     FillProgramWithLongInstructions(state);
-    for (const int job : {kJobExercises2, kJobExercises4}) {
+    for (const JobKind job : {kJobExercises2, kJobExercises4}) {
         const SheetGeometry& geometry = GeometryOf(job);
         const int perPage = job == kJobExercises2 ? 2 : 4;
-        EXPECT_EQ(Record(job), PagesFor(job, 20)) << "job " << job;
+        EXPECT_EQ(Record(job), PagesFor(job, 20)) << "job " << static_cast<int>(job);
         EXPECT_EQ(surface.OpsOf(Kind::NewPage).size(), PagesFor(job, 20) - 1);
 
         // Each word stands inside the picture column it began in.
@@ -634,14 +635,14 @@ TEST_F(BadInput, LongInstructionsWrapInTheirColumnsAndRunOnOverWhatFollows) {
 
 TEST_F(BadInput, PdfOfLongInstructionsHasTenAndFivePages) {
     FillProgramWithLongInstructions(state);
-    for (const int job : {kJobExercises2, kJobExercises4}) {
-        const QString file = Pdf(QStringLiteral("instructions-%1").arg(job));
+    for (const JobKind job : {kJobExercises2, kJobExercises4}) {
+        const QString file = Pdf(QStringLiteral("instructions-%1").arg(static_cast<int>(job)));
         ASSERT_TRUE(RunJobToPdf(state, job, file));
         EXPECT_EQ(PdfPages(file), job == kJobExercises2 ? 10 : 5);
         const QString text = PdfText(file);
         for (int i = 0; i < 20; ++i)
             EXPECT_TRUE(text.contains(QStringLiteral("Step%1v1").arg(i + 1)))
-                << "job " << job << ", exercise " << i + 1;
+                << "job " << static_cast<int>(job) << ", exercise " << i + 1;
     }
 }
 
@@ -698,10 +699,11 @@ TEST_F(BadInput, PdfOfACoverTextOfFiveHundredLinesIsOnePageOfItsFirstLines) {
 TEST_F(BadInput, PreviewScaleWhoseInchOverflowsIsAFaultOfTheDrawing) {
     FillProgram(state, 4);
     state.Print.PrintScale = 23.0; // 33120 twips an inch
-    for (const int job : {kJobExercises2, kJobExercises4, kJobPatientRecord, kJobCoverSheet}) {
+    for (const JobKind job : {kJobExercises2, kJobExercises4, kJobPatientRecord, kJobCoverSheet}) {
         state.Print.PrintJobKind = job;
         surface.Clear();
-        EXPECT_THROW(DrawPrintJob(surface, state), OverflowFault) << "job " << job;
+        EXPECT_THROW(DrawPrintJob(surface, state), OverflowFault)
+            << "job " << static_cast<int>(job);
         EXPECT_TRUE(surface.Texts().isEmpty());
     }
 }

@@ -20,7 +20,9 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QProcess>
+#include <QSqlQuery>
 #include <QTemporaryDir>
+#include <cmath>
 #include <gtest/gtest.h>
 
 using namespace tarvex;
@@ -63,7 +65,7 @@ void FillProgram(AppState& state, const QString& pictures, int count) {
     state.Program.NumExercises = static_cast<int16_t>(count);
 }
 
-void WriteJobPdf(AppState& state, int job, const QString& file) {
+void WriteJobPdf(AppState& state, JobKind job, const QString& file) {
     QPdfWriter writer(file);
     writer.setResolution(1200);
     writer.setPageLayout(

@@ -34,7 +34,7 @@ struct PreviewFixture : ::testing::Test {
     }
 
     // Opens the preview of a job in a form of 660 x 770 screen pixels.
-    void Open(int job) {
+    void Open(JobKind job) {
         state.Print.PrintJobKind = job;
         logic = std::make_unique<PreviewLogic>(state, printer, 15.0);
         const QRect form = logic->Load(1920 * 15, 1080 * 15);
@@ -334,14 +334,14 @@ TEST_F(PreviewFixture, PrintingExercisesFromThePreviewPutsTheCoverSheetFirst) {
 TEST_F(PreviewFixture, PrintingTheCoverOrTheRecordFromThePreviewPrintsThatJobAlone) {
     Fill(5);
     state.Prefs.PrintPatientCover = true;
-    for (int job : {kJobCoverSheet, kJobPatientRecord}) {
+    for (JobKind job : {kJobCoverSheet, kJobPatientRecord}) {
         Open(job);
         RecordingSurface paper;
         logic->PrintFromPreview(paper, [] { return true; });
         int covers = 0;
         for (const RecordedOp& op : paper.Texts())
             covers += op.text == "Please read this first." ? 1 : 0;
-        EXPECT_EQ(covers, job == kJobCoverSheet ? 1 : 0) << job;
+        EXPECT_EQ(covers, job == kJobCoverSheet ? 1 : 0) << static_cast<int>(job);
         if (job == kJobCoverSheet) {
             EXPECT_EQ(paper.PageCount(), 2); // the cover ends with a new page
         }

@@ -38,7 +38,7 @@ struct SheetFixture : ::testing::Test {
         state.Program.NumExercises = static_cast<int16_t>(n);
     }
 
-    int Job(int kind) {
+    int Job(JobKind kind) {
         state.Print.PrintJobKind = kind;
         EXPECT_TRUE(DrawPrintJob(surface, state));
         return surface.PageCount();

@@ -251,7 +251,7 @@ TEST(CupsPrinting, CoverPagePrintsThePatientInstructionsThroughLibreOffice) {
     EXPECT_EQ(PagesOf(files[0]).count, 1);
 }
 
-TEST(CupsPrinting, CoverPageWithoutLibreOfficeDoesNothing) {
+TEST(CupsPrinting, CoverPageWithoutLibreOfficePrintsNothingAndSaysWhy) {
     CupsRun r;
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", r.dir.path().toLocal8Bit()); // no soffice there
@@ -259,5 +259,6 @@ TEST(CupsPrinting, CoverPageWithoutLibreOfficeDoesNothing) {
     qputenv("PATH", path);
     QTest::qWait(1000);
     EXPECT_TRUE((CompletedJobs(QStringLiteral("TarvexPDF")) - r.before).isEmpty());
-    EXPECT_EQ(r.window.StatusPanels().PanelText(0), "Status: Ready");
+    EXPECT_EQ(r.window.StatusPanels().PanelText(0).toStdString(),
+              "The patient instructions were not printed: LibreOffice is not installed.");
 }

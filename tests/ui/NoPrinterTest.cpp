@@ -14,7 +14,7 @@ const bool kNoServer = qputenv("CUPS_SERVER", "/nonexistent/tarvex/cups.sock");
 
 } // namespace
 
-TEST(NoPrinter, EveryPrintCommandEndsWithoutAWordAndTheProgramGoesOn) {
+TEST(NoPrinter, EveryPrintCommandEndsWithoutABoxSaysWhyInTheStatusLineAndTheProgramGoesOn) {
     ASSERT_TRUE(kNoServer);
     ASSERT_TRUE(QPrinterInfo::availablePrinters().isEmpty());
     tarvex::testing::MainWindowRun r;
@@ -25,7 +25,9 @@ TEST(NoPrinter, EveryPrintCommandEndsWithoutAWordAndTheProgramGoesOn) {
          {"mnuPrintEx2", "mnuPrintEx4", "mnuPrintPatientRecord", "mnuPrintVideo"}) {
         r.state.SkipPrintDialog = true; // the menu would show the printer dialog
         r.window.MenuCommands().Action(command)->trigger();
-        EXPECT_EQ(r.window.StatusPanels().PanelText(0), "Status: Ready") << command;
+        EXPECT_EQ(r.window.StatusPanels().PanelText(0).toStdString(),
+                  "Nothing was printed: no printer is set up on this computer.")
+            << command;
         EXPECT_EQ(r.state.Print.PrintScale, 0.75) << command;
     }
     // The program goes on: the same job still prints to a file.

@@ -30,7 +30,7 @@ struct PreviewRun : tarvex::testing::MainWindowRun {
         ChooseOkafor(exercises);
         PrintToPdf();
     }
-    std::unique_ptr<PrintPreviewDialog> Open(int job) {
+    std::unique_ptr<PrintPreviewDialog> Open(JobKind job) {
         state.Print.PrintJobKind = job;
         auto dialog = std::make_unique<PrintPreviewDialog>(
             state, window.Printer(), [] { return true; }, &window);
@@ -62,7 +62,7 @@ struct ModalWatch {
 
 TEST(PrintPreviewWindow, EveryPreviewEntryOpensTheWindowModallyWithItsJob) {
     PreviewRun r(10);
-    const std::pair<const char*, int> entries[] = {
+    const std::pair<const char*, JobKind> entries[] = {
         {"mnuPreviewEx4", kJobExercises4},
         {"mnuPreviewEx2", kJobExercises2},
         {"mnuPreviewPatientRecord", kJobPatientRecord},
