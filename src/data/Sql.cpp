@@ -5,6 +5,7 @@
 #include <QRegularExpression>
 #include <QSqlError>
 #include <QStringList>
+#include <algorithm>
 
 namespace tarvex {
 
@@ -19,48 +20,113 @@ QString QuoteIdentifier(const QString& name) {
                             .arg(error.text(), sql.left(300)));
 }
 
-// Replaces the "*" and "?" wildcards of Jet by "%" and "_" inside the quoted texts that
-// follow LIKE.
-QString TranslateLikePatterns(const QString& sql) {
-    static const QRegularExpression like(QStringLiteral("(\\bLIKE\\s*')((?:[^']|'')*)'"),
-                                         QRegularExpression::CaseInsensitiveOption);
-    QString out;
-    qsizetype last = 0;
-    auto it = like.globalMatch(sql);
-    while (it.hasNext()) {
-        const auto m = it.next();
-        out += sql.mid(last, m.capturedStart() - last);
-        QString pattern = m.captured(2);
-        pattern.replace(u'*', u'%').replace(u'?', u'_');
-        out += m.captured(1) + pattern + u'\'';
-        last = m.capturedEnd();
+// A statement cut into the pieces that the rewrites must tell apart: plain SQL, quoted
+// values ('...', with '' for an apostrophe) and quoted names ("...").
+struct SqlPiece {
+    enum class Kind { Plain, Value, Name } kind;
+    QString text; // with its quotes, for values and names
+};
+
+std::vector<SqlPiece> CutIntoPieces(const QString& sql) {
+    std::vector<SqlPiece> pieces;
+    qsizetype i = 0;
+    while (i < sql.size()) {
+        const QChar quote = sql.at(i);
+        if (quote != u'\'' && quote != u'"') {
+            const qsizetype next = [&] {
+                for (qsizetype j = i; j < sql.size(); ++j)
+                    if (sql.at(j) == u'\'' || sql.at(j) == u'"')
+                        return j;
+                return sql.size();
+            }();
+            pieces.push_back({SqlPiece::Kind::Plain, sql.mid(i, next - i)});
+            i = next;
+            continue;
+        }
+        qsizetype j = i + 1;
+        for (; j < sql.size(); ++j) {
+            if (sql.at(j) != quote)
+                continue;
+            if (j + 1 < sql.size() && sql.at(j + 1) == quote) {
+                ++j; // a doubled quote stays inside
+                continue;
+            }
+            break;
+        }
+        const qsizetype end = std::min(j + 1, sql.size());
+        pieces.push_back(
+            {quote == u'\'' ? SqlPiece::Kind::Value : SqlPiece::Kind::Name, sql.mid(i, end - i)});
+        i = end;
     }
-    out += sql.mid(last);
-    return out;
+    return pieces;
+}
+
+// A LIKE pattern of Jet as SQLite's: "*" and "?" are the wildcards, and a "%" or "_" of
+// the value is the character itself, as Jet took it. Returns the quoted pattern and
+// whether it needs the escape clause.
+std::pair<QString, bool> TranslatePattern(const QString& quoted) {
+    QString out;
+    bool escaped = false;
+    const QString body = quoted.mid(1, quoted.size() - 2);
+    for (const QChar c : body) {
+        if (c == u'%' || c == u'_' || c == u'\\') {
+            out += u'\\';
+            escaped = true;
+            out += c;
+        } else if (c == u'*') {
+            out += u'%';
+        } else if (c == u'?') {
+            out += u'_';
+        } else {
+            out += c;
+        }
+    }
+    return {u'\'' + out + u'\'', escaped};
 }
 
 } // namespace
 
 QString TranslateJet(const QString& jetSql) {
-    QString sql = jetSql;
     static const QRegularExpression deleteStar(QStringLiteral("^\\s*DELETE\\s+\\*\\s+FROM\\b"),
                                                QRegularExpression::CaseInsensitiveOption);
-    sql.replace(deleteStar, QStringLiteral("DELETE FROM"));
     static const QRegularExpression distinctRow(QStringLiteral("\\bDISTINCTROW\\s+"),
                                                 QRegularExpression::CaseInsensitiveOption);
-    sql.replace(distinctRow, QString());
     static const QRegularExpression top(QStringLiteral("^(\\s*SELECT\\s+)TOP\\s+(\\d+)\\s+"),
                                         QRegularExpression::CaseInsensitiveOption);
-    const auto m = top.match(sql);
-    if (m.hasMatch()) {
-        const QString count = m.captured(2);
-        sql.replace(m.capturedStart(), m.capturedLength(), m.captured(1));
-        sql += QStringLiteral(" LIMIT ") + count;
-    }
     // The column Desc is a keyword of SQLite; the keyword DESC is always spelled in capitals.
-    static const QRegularExpression descColumn(QStringLiteral("(?<![\"\\w])Desc\\b(?!\")"));
-    sql.replace(descColumn, QStringLiteral("\"Desc\""));
-    return TranslateLikePatterns(sql);
+    static const QRegularExpression descColumn(QStringLiteral("(?<!\\w)Desc\\b"));
+    static const QRegularExpression likeBefore(QStringLiteral("\\bLIKE\\s*$"),
+                                               QRegularExpression::CaseInsensitiveOption);
+
+    std::vector<SqlPiece> pieces = CutIntoPieces(jetSql);
+    QString limit;
+    // Only the plain pieces are rewritten: a value such as 'Desc stairs' stays as typed.
+    for (size_t n = 0; n < pieces.size(); ++n) {
+        SqlPiece& piece = pieces[n];
+        if (piece.kind == SqlPiece::Kind::Value && n > 0 &&
+            pieces[n - 1].kind == SqlPiece::Kind::Plain &&
+            likeBefore.match(pieces[n - 1].text).hasMatch()) {
+            const auto [pattern, escaped] = TranslatePattern(piece.text);
+            piece.text = pattern + (escaped ? QStringLiteral(" ESCAPE '\\'") : QString());
+            continue;
+        }
+        if (piece.kind != SqlPiece::Kind::Plain)
+            continue;
+        if (n == 0) {
+            piece.text.replace(deleteStar, QStringLiteral("DELETE FROM"));
+            const auto m = top.match(piece.text);
+            if (m.hasMatch()) {
+                limit = QStringLiteral(" LIMIT ") + m.captured(2);
+                piece.text.replace(m.capturedStart(), m.capturedLength(), m.captured(1));
+            }
+        }
+        piece.text.replace(distinctRow, QString());
+        piece.text.replace(descColumn, QStringLiteral("\"Desc\""));
+    }
+    QString sql;
+    for (const SqlPiece& piece : pieces)
+        sql += piece.text;
+    return sql + limit;
 }
 
 QString SqlText(const QString& value) {
