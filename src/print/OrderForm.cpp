@@ -77,7 +77,7 @@ int32_t OrderChecksum(int32_t siteNumber, const ExerciseProgram& program) {
     for (int i = 0; i < program.NumExercises; ++i) {
         const ExerciseEntry& e = program.Exercise(i);
         if (e.HasVideo)
-            sum = ToInt32(static_cast<double>(sum) + Val(e.Code));
+            sum = ToInt32(static_cast<double>(sum) + DecimalVal(e.Code)); // decimal codes only
     }
     return sum;
 }

@@ -44,6 +44,29 @@ double RadixPrefixed(const QString& s) {
 
 } // namespace
 
+double DecimalVal(const QString& text) {
+    const QString s = WithoutBlanks(text);
+    qsizetype i = 0;
+    QString number;
+    if (i < s.size() && (s.at(i) == u'+' || s.at(i) == u'-'))
+        number.append(s.at(i++));
+    bool digits = false;
+    bool point = false;
+    for (; i < s.size(); ++i) {
+        const QChar c = s.at(i);
+        if (c.isDigit() && c.unicode() < 128) {
+            number.append(c);
+            digits = true;
+        } else if (c == u'.' && !point) {
+            number.append(c);
+            point = true;
+        } else {
+            break;
+        }
+    }
+    return digits ? number.toDouble() : 0.0;
+}
+
 double Val(const QString& text) {
     const QString s = WithoutBlanks(text);
     if (s.startsWith(u'&'))

@@ -10,6 +10,11 @@ namespace tarvex {
 // exponent ("E" or "D"), or a "&H"/"&O" prefixed integer. No number gives 0.
 double Val(const QString& text);
 
+// The leading decimal number of a text: blanks skipped anywhere, an optional sign, digits
+// with one decimal point. Nothing else counts: no "&H" or "&O" prefix and no exponent
+// ("1E3" is 1). No number gives 0.
+double DecimalVal(const QString& text);
+
 // Rounds to the nearest integer, ties to the even one (2.5 -> 2, 3.5 -> 4).
 double RoundHalfEven(double value);
 

@@ -218,3 +218,11 @@ TEST_F(OrderFormTest, TheFormIsLaidOutAtTheInchOfItsOwnScale) {
     ASSERT_NE(site, nullptr);
     EXPECT_DOUBLE_EQ(site->x, 720.0);
 }
+
+TEST_F(OrderFormTest, TheChecksumReadsCodesAsDecimalNumbersOnly) {
+    ExerciseProgram p;
+    for (const char* code : {"&H10", "&O17", "1E3", "12A", "A12"})
+        AddTapeExercise(p, code);
+    // 0 + 0 + 1 + 12 + 0: no hexadecimal, octal or exponent.
+    EXPECT_EQ(OrderChecksum(1000, p), 1013);
+}

@@ -54,3 +54,16 @@ TEST(Booleans, AnyOtherTextIsAFault) {
     EXPECT_THROW(CBool(""), TypeFault);
     EXPECT_THROW(CBool(QString(5000, QChar(0xFFFD))), TypeFault);
 }
+
+TEST(DecimalVal, ReadsOnlyALeadingDecimalNumber) {
+    EXPECT_EQ(DecimalVal("12A"), 12.0);
+    EXPECT_EQ(DecimalVal("A12"), 0.0);
+    EXPECT_EQ(DecimalVal(" 1 2"), 12.0);
+    EXPECT_EQ(DecimalVal("12.5"), 12.5);
+    EXPECT_EQ(DecimalVal("-7"), -7.0);
+    EXPECT_EQ(DecimalVal("&H10"), 0.0); // Val reads 16
+    EXPECT_EQ(DecimalVal("&O17"), 0.0); // Val reads 15
+    EXPECT_EQ(DecimalVal("1E3"), 1.0);  // Val reads 1000
+    EXPECT_EQ(DecimalVal(""), 0.0);
+    EXPECT_EQ(DecimalVal("."), 0.0);
+}
