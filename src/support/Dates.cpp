@@ -1,5 +1,6 @@
 #include "support/Dates.h"
 
+#include "support/DateText.h"
 #include "support/Fault.h"
 
 #include <QLocale>
@@ -81,13 +82,13 @@ std::optional<QDateTime> ParseDate(const QString& text) {
         if (dt.isValid())
             return dt;
     }
-    for (const QString& format : {QStringLiteral("yyyy-MM-dd"), ShortDateFormat(),
-                                  QLocale().dateFormat(QLocale::ShortFormat)}) {
+    for (const QString& format : {QStringLiteral("yyyy-MM-dd"), ShortDateFormat()}) {
         const QDate d = QLocale().toDate(t, format);
         if (d.isValid())
             return QDateTime(d, QTime(0, 0));
     }
-    return std::nullopt;
+    // What a person types: the locale's other forms, month names, times.
+    return ReadTypedDate(t);
 }
 
 QDateTime CDate(const QString& text) {

@@ -16,8 +16,9 @@ QDateTime UnreadableDate();
 // A day number of the classic scale (days since 30 December 1899, fraction = time).
 QDateTime DateFromSerial(double serial);
 
-// Reads a date from a text: the stored form ("yyyy-MM-dd HH:mm:ss", ISO with "T"), the
-// short date of the locale, or a plain "yyyy-MM-dd". Nothing else is a date.
+// Reads a date from a text: the stored form ("yyyy-MM-dd HH:mm:ss", ISO with "T") first,
+// then whatever a person types that the classic date conversion read (ReadTypedDate).
+// Text that is no date at all gives none.
 std::optional<QDateTime> ParseDate(const QString& text);
 
 // Like ParseDate, but a text that is no date is a TypeFault ("Type mismatch").

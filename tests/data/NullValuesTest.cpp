@@ -1,4 +1,5 @@
 #include "data/NullValues.h"
+#include "support/Dates.h"
 #include "support/Fault.h"
 
 #include <gtest/gtest.h>
@@ -56,4 +57,13 @@ TEST(RequiredValues, ANullIsAFault) {
     EXPECT_THROW(RequiredInt16(QVariant("ten"), "Reps"), TypeFault);
     EXPECT_THROW(RequiredInt16(QVariant(40000), "Reps"), OverflowFault);
     EXPECT_EQ(RequiredInt32(QVariant(100001), "ExerciseID"), 100001);
+}
+
+TEST(NullToDate, ReadsADateTypedInACommonForm) {
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    EXPECT_EQ(NullToDate(QVariant(QStringLiteral("12/31/2027"))),
+              QDateTime(QDate(2027, 12, 31), QTime(0, 0)));
+    EXPECT_EQ(NullToDate(QVariant(QStringLiteral("UPS Ground"))), UnreadableDate());
+    QLocale::setDefault(before);
 }

@@ -32,3 +32,77 @@ TEST(Dates, ATextThatIsNoDateIsNotReadAsOne) {
     EXPECT_FALSE(ParseDate("2026-13-45").has_value());
     EXPECT_THROW(CDate(""), TypeFault);
 }
+
+namespace {
+
+// Runs with the given default locale and puts the one before back.
+class UnderLocale {
+public:
+    explicit UnderLocale(const QLocale& locale) { QLocale::setDefault(locale); }
+    ~UnderLocale() { QLocale::setDefault(before_); }
+
+private:
+    QLocale before_;
+};
+
+QDateTime Day(int y, int m, int d, QTime t = QTime(0, 0)) {
+    return QDateTime(QDate(y, m, d), t);
+}
+
+} // namespace
+
+TEST(TypedDates, UnderEnglishOfTheUnitedStates) {
+    UnderLocale us(QLocale(QLocale::English, QLocale::UnitedStates));
+    EXPECT_EQ(ParseDate("12/31/2027"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("12/31/27"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("31/12/2027"), Day(2027, 12, 31)); // only day first makes a date
+    EXPECT_EQ(ParseDate("3/4/2027"), Day(2027, 3, 4));     // month first, as the locale
+    EXPECT_EQ(ParseDate("12-31-2027"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("December 31, 2027"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("Friday, December 31, 2027"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("Dec 31 2027"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("31-Dec-2027"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("12/31/2027 2:30 PM"), Day(2027, 12, 31, QTime(14, 30)));
+    EXPECT_EQ(ParseDate("12/31/2027 14:30:05"), Day(2027, 12, 31, QTime(14, 30, 5)));
+    EXPECT_EQ(ParseDate("2027-12-31"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("2027-12-31T08:15"), Day(2027, 12, 31, QTime(8, 15)));
+    EXPECT_EQ(ParseDate("1/1/45"), Day(1945, 1, 1)); // the classic two-digit window
+}
+
+TEST(TypedDates, UnderEnglishOfBritain) {
+    UnderLocale gb(QLocale(QLocale::English, QLocale::UnitedKingdom));
+    EXPECT_EQ(ParseDate("31/12/2027"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("3/4/2027"), Day(2027, 4, 3)); // day first, as the locale
+    EXPECT_EQ(ParseDate("31 December 2027"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("31 Dec 2027 09:05"), Day(2027, 12, 31, QTime(9, 5)));
+    EXPECT_EQ(ParseDate("2027-12-31"), Day(2027, 12, 31));
+}
+
+TEST(TypedDates, UnderGerman) {
+    UnderLocale de(QLocale(QLocale::German, QLocale::Germany));
+    EXPECT_EQ(ParseDate("31.12.2027"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("31.12.27"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("31. Dezember 2027"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("31.12.2027 14:30"), Day(2027, 12, 31, QTime(14, 30)));
+    EXPECT_EQ(ParseDate("2027-12-31"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("December 31, 2027"), Day(2027, 12, 31)); // English names too
+}
+
+TEST(TypedDates, UnderTheCLocale) {
+    UnderLocale c(QLocale::c());
+    EXPECT_EQ(ParseDate("12/31/2027"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("2027-12-31"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("31 Dec 2027"), Day(2027, 12, 31));
+    EXPECT_EQ(ParseDate("Dec 31, 2027 2:30 AM"), Day(2027, 12, 31, QTime(2, 30)));
+}
+
+TEST(TypedDates, TextThatIsNoDateStaysNoDate) {
+    for (const QLocale& locale : {QLocale(QLocale::English, QLocale::UnitedStates),
+                                  QLocale(QLocale::English, QLocale::UnitedKingdom),
+                                  QLocale(QLocale::German, QLocale::Germany), QLocale::c()}) {
+        UnderLocale under(locale);
+        for (const char* text : {"", "UPS Ground", "13/45/2027", "abc", "12/31", "31.13.2027",
+                                 "December", "12/31/2027 25:00", "Smarch 3, 2027"})
+            EXPECT_FALSE(ParseDate(text).has_value()) << text << " " << locale.name().toStdString();
+    }
+}
