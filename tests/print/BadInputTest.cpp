@@ -738,11 +738,11 @@ TEST_F(BadInput, AnInchLeftOverflowingByAnEarlierJobDoesNotReachTheOrderForm) {
 
 TEST_F(BadInput, OverflowingChecksumEndsTheOrderFormAfterItsTable) {
     // The checksum adds the leading number of each tape exercise's code to the site number;
-    // a code of "9E9" makes it overflow its 32 bits once the tape table is drawn.
+    // a code of "9999999999" makes it overflow its 32 bits once the tape table is drawn.
     FillProgram(state, 4);
-    state.Program.Exercise(2).Code = "9E9";
+    state.Program.Exercise(2).Code = "9999999999";
     EXPECT_FALSE(RunJob(state, surface, kJobVideoOrder));
-    EXPECT_NE(surface.FindText("9E9"), nullptr);
+    EXPECT_NE(surface.FindText("9999999999"), nullptr);
     EXPECT_NE(surface.FindText("3. TAPE CONTENT"), nullptr);
     EXPECT_EQ(surface.FindText("CHECKSUM: 4711"), nullptr);
     EXPECT_EQ(surface.FindText(" 4. PAYMENT METHOD"), nullptr);
