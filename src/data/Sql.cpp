@@ -21,7 +21,7 @@ QString QuoteIdentifier(const QString& name) {
 }
 
 // A statement cut into the pieces that the rewrites must tell apart: plain SQL, quoted
-// values ('...', with '' for an apostrophe) and quoted names ("...").
+// values ('...', with '' for an apostrophe) and quoted names ("..." or [...]).
 struct SqlPiece {
     enum class Kind { Plain, Value, Name } kind;
     QString text; // with its quotes, for values and names
@@ -32,10 +32,11 @@ std::vector<SqlPiece> CutIntoPieces(const QString& sql) {
     qsizetype i = 0;
     while (i < sql.size()) {
         const QChar quote = sql.at(i);
-        if (quote != u'\'' && quote != u'"') {
+        const auto opens = [](QChar c) { return c == u'\'' || c == u'"' || c == u'['; };
+        if (!opens(quote)) {
             const qsizetype next = [&] {
                 for (qsizetype j = i; j < sql.size(); ++j)
-                    if (sql.at(j) == u'\'' || sql.at(j) == u'"')
+                    if (opens(sql.at(j)))
                         return j;
                 return sql.size();
             }();
@@ -43,11 +44,12 @@ std::vector<SqlPiece> CutIntoPieces(const QString& sql) {
             i = next;
             continue;
         }
+        const QChar close = quote == u'[' ? QChar(u']') : quote;
         qsizetype j = i + 1;
         for (; j < sql.size(); ++j) {
-            if (sql.at(j) != quote)
+            if (sql.at(j) != close)
                 continue;
-            if (j + 1 < sql.size() && sql.at(j + 1) == quote) {
+            if (close != u']' && j + 1 < sql.size() && sql.at(j + 1) == close) {
                 ++j; // a doubled quote stays inside
                 continue;
             }
