@@ -76,8 +76,11 @@ int32_t OrderChecksum(int32_t siteNumber, const ExerciseProgram& program) {
     int32_t sum = siteNumber;
     for (int i = 0; i < program.NumExercises; ++i) {
         const ExerciseEntry& e = program.Exercise(i);
+        // A code counts with its leading decimal number, 0 without one: "12A" is 12, "A12"
+        // and "&H10" are 0, and "1E3" is 1, since an exponent is no part of a plain decimal
+        // number. The sum is rounded to a whole number after each code, half to even.
         if (e.HasVideo)
-            sum = ToInt32(static_cast<double>(sum) + DecimalVal(e.Code)); // decimal codes only
+            sum = ToInt32(static_cast<double>(sum) + DecimalVal(e.Code));
     }
     return sum;
 }

@@ -42,35 +42,10 @@ double RadixPrefixed(const QString& s) {
     return static_cast<double>(value);
 }
 
-} // namespace
-
-double DecimalVal(const QString& text) {
-    const QString s = WithoutBlanks(text);
-    qsizetype i = 0;
-    QString number;
-    if (i < s.size() && (s.at(i) == u'+' || s.at(i) == u'-'))
-        number.append(s.at(i++));
-    bool digits = false;
-    bool point = false;
-    for (; i < s.size(); ++i) {
-        const QChar c = s.at(i);
-        if (c.isDigit() && c.unicode() < 128) {
-            number.append(c);
-            digits = true;
-        } else if (c == u'.' && !point) {
-            number.append(c);
-            point = true;
-        } else {
-            break;
-        }
-    }
-    return digits ? number.toDouble() : 0.0;
-}
-
-double Val(const QString& text) {
-    const QString s = WithoutBlanks(text);
-    if (s.startsWith(u'&'))
-        return RadixPrefixed(s);
+// The decimal number at the start of s (blanks already taken out): an optional sign,
+// digits with one decimal point. Returns its text, empty when there are no digits, and
+// leaves at the first character after it.
+QString LeadingDecimal(const QString& s, qsizetype& at) {
     qsizetype i = 0;
     QString number;
     if (i < s.size() && (s.at(i) == u'+' || s.at(i) == u'-'))
@@ -88,7 +63,26 @@ double Val(const QString& text) {
             break;
         }
     }
-    if (!digits)
+    at = i;
+    return digits ? number : QString();
+}
+
+} // namespace
+
+double DecimalVal(const QString& text) {
+    qsizetype end = 0;
+    const QString number = LeadingDecimal(WithoutBlanks(text), end);
+    // What follows the number ends it, an "E" too: "1E3" is 1, not 1000.
+    return number.isEmpty() ? 0.0 : number.toDouble();
+}
+
+double Val(const QString& text) {
+    const QString s = WithoutBlanks(text);
+    if (s.startsWith(u'&'))
+        return RadixPrefixed(s);
+    qsizetype i = 0;
+    QString number = LeadingDecimal(s, i);
+    if (number.isEmpty())
         return 0;
     if (i < s.size() && (s.at(i).toUpper() == u'E' || s.at(i).toUpper() == u'D')) {
         QString exponent = "e";

@@ -226,3 +226,30 @@ TEST_F(OrderFormTest, TheChecksumReadsCodesAsDecimalNumbersOnly) {
     // 0 + 0 + 1 + 12 + 0: no hexadecimal, octal or exponent.
     EXPECT_EQ(OrderChecksum(1000, p), 1013);
 }
+
+TEST_F(OrderFormTest, TheChecksumSkipsBlanksInACodeAndRoundsAfterEachCode) {
+    ExerciseProgram spaced;
+    AddTapeExercise(spaced, " 1 2");
+    EXPECT_EQ(OrderChecksum(1000, spaced), 1012);
+
+    // 1000 + 12.5 = 1012.5 rounds to 1012, + 12.5 = 1024.5 rounds to 1024; rounding only
+    // the total would give 1025.
+    ExerciseProgram halves;
+    AddTapeExercise(halves, "12.5");
+    EXPECT_EQ(OrderChecksum(1000, halves), 1012);
+    AddTapeExercise(halves, "12.5");
+    EXPECT_EQ(OrderChecksum(1000, halves), 1024);
+    AddTapeExercise(halves, "1.5");
+    EXPECT_EQ(OrderChecksum(1000, halves), 1026); // 1025.5 rounds to the even 1026
+}
+
+TEST_F(OrderFormTest, EachKindOfCodeCountsWithItsDecimalValue) {
+    const std::pair<const char*, int> codes[] = {{"&H10", 0}, {"&O17", 0}, {"1E3", 1},
+                                                 {"12A", 12}, {"A12", 0},  {" 1 2", 12},
+                                                 {"12.5", 12}}; // 1012.5 rounds to 1012
+    for (const auto& [code, value] : codes) {
+        ExerciseProgram p;
+        AddTapeExercise(p, code);
+        EXPECT_EQ(OrderChecksum(1000, p), 1000 + value) << code;
+    }
+}

@@ -67,3 +67,16 @@ TEST(DecimalVal, ReadsOnlyALeadingDecimalNumber) {
     EXPECT_EQ(DecimalVal(""), 0.0);
     EXPECT_EQ(DecimalVal("."), 0.0);
 }
+
+TEST(DecimalVal, EndsAtTheFirstCharacterThatIsNoPartOfTheNumber) {
+    EXPECT_EQ(DecimalVal("1E3"), 1.0);
+    EXPECT_EQ(DecimalVal("2D2"), 2.0); // Val reads 200
+    EXPECT_EQ(DecimalVal("1.2.3"), 1.2);
+    EXPECT_EQ(DecimalVal("1."), 1.0);
+    EXPECT_EQ(DecimalVal("-.5"), -0.5);
+    EXPECT_EQ(DecimalVal("+3x"), 3.0);
+    EXPECT_EQ(DecimalVal("-"), 0.0);
+    EXPECT_EQ(DecimalVal("\t4\r\n2"), 42.0);
+    EXPECT_EQ(DecimalVal(QString::fromUtf8("\u0661\u0662")), 0.0); // only the digits 0 to 9
+    EXPECT_EQ(DecimalVal("9999999999"), 9999999999.0);
+}
