@@ -1,5 +1,9 @@
 #include "ui/FormDialog.h"
 
+#include "ui/ScreenFit.h"
+
+#include <QTimer>
+
 #include "ui/Guarded.h"
 
 namespace tarvex {
@@ -26,6 +30,16 @@ void FormDialog::done(int result) {
         RunGuarded([this] { Unload(); });
     }
     QDialog::done(result);
+}
+
+void FormDialog::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    // Every dialog lies on the screen, frame and all, once the window manager has framed it.
+    KeepOnScreen(this);
+    QTimer::singleShot(250, this, [this] {
+        if (isVisible())
+            KeepOnScreen(this);
+    });
 }
 
 } // namespace tarvex

@@ -21,6 +21,7 @@ public:
     std::function<void(const QString&)> StatusNote;
 
 protected:
+    void showEvent(QShowEvent* event) override;
     // What Esc or the close box does when no button has ended the form: its "Cancel".
     virtual void CancelByFrame() {}
     // The form's unload handler; runs once, after the button's work or CancelByFrame.

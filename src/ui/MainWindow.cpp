@@ -13,6 +13,7 @@
 #include "ui/PrintPreviewDialog.h"
 #include "ui/PrinterSurface.h"
 #include "ui/ProgramListDialog.h"
+#include "ui/ScreenFit.h"
 #include "ui/SplashDialog.h"
 #include "ui/WorkspaceWindow.h"
 
@@ -33,6 +34,7 @@
 #include <QStatusBar>
 #include <QStyle>
 #include <QToolBar>
+#include <QWindow>
 
 namespace tarvex {
 
@@ -75,6 +77,7 @@ MainWindow::MainWindow(AppState& state, ISettingsStore& store, SingleInstanceLoc
     // The sheets are laid out on 8.5 by 11 inch paper; the printer dialog can change it.
     printer_.setPageSize(QPageSize(QPageSize::Letter));
     resize(1024, 720);
+    KeepOnScreenWhenShown(this);
 }
 
 MainWindow::~MainWindow() = default;
@@ -363,8 +366,9 @@ void MainWindow::ShowSplash() {
 }
 
 void MainWindow::ShowMainWindow() {
-    show();
+    // Moved before it is shown, a window places its frame, not only its inside, there.
     move(1, 1);
+    show();
 }
 
 void MainWindow::LoadSelectionWorkspace() {
