@@ -4,6 +4,7 @@
 #include "support/Numbers.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace tarvex {
 
@@ -33,7 +34,7 @@ void SelectionPanes::CreateExChoiceControls(IProgressSink& progress) {
         QPoint picture, caption;
         if (i >= view_.CellCount()) {
             view_.CreateCell(i);
-            const int row = i / kColumns;
+            const int row = i / columns_;
             picture.setY(row * choiceRowHeight_ + imTop_);
             caption.setY(row * choiceRowHeight_ + lbTop_);
         } else {
@@ -41,24 +42,58 @@ void SelectionPanes::CreateExChoiceControls(IProgressSink& progress) {
             picture.setY(view_.PicturePos(i).y());
             caption.setY(view_.CaptionPos(i).y());
         }
-        picture.setX((i % kColumns) * colWidth_ + imLeft_);
-        caption.setX((i % kColumns) * colWidth_ + lbLeft_);
+        picture.setX((i % columns_) * colWidth_ + imLeft_);
+        caption.setX((i % columns_) * colWidth_ + lbLeft_);
         view_.PlaceCell(i, picture, caption);
         view_.ShowCell(i, true);
     }
+    made_ = true;
     progress.Destroy();
+}
+
+int SelectionPanes::ColumnsFor(double viewportWidth) {
+    const int colWidth = Rounded(kPictureLeft + kPictureWidth + 1);
+    return std::max(
+        kColumns,
+        static_cast<int>((viewportWidth - kViewportWidth + kColumns * colWidth) / colWidth));
+}
+
+int SelectionPanes::RowsFor(double viewportHeight) {
+    const int rowHeight = Rounded(kPictureHeight + kCaptionHeight + 1);
+    return std::max(2, static_cast<int>(std::ceil(viewportHeight / rowHeight)));
+}
+
+void SelectionPanes::SetGrid(int columns, int rowsInSight) {
+    columns = std::max(columns, static_cast<int>(kColumns));
+    rowsInSight_ = std::max(rowsInSight, 2);
+    if (columns != columns_) {
+        columns_ = columns;
+        if (!made_)
+            return; // the cells are laid out when they are made
+        for (int i = 0; i < view_.CellCount(); ++i) {
+            const int row = i / columns_;
+            const int column = i % columns_;
+            view_.PlaceCell(i,
+                            QPoint(column * colWidth_ + imLeft_, row * choiceRowHeight_ + imTop_),
+                            QPoint(column * colWidth_ + lbLeft_, row * choiceRowHeight_ + lbTop_));
+        }
+        SizeSourcePane();
+        view_.SetSurfaceTop(-(choiceRowHeight_ * view_.ScrollValue()));
+    }
+    if (made_)
+        LoadPictsInSight();
 }
 
 void SelectionPanes::SizeSourcePane() {
     const int count = state_.Library.NumChoices;
     pictLoaded_.assign(static_cast<size_t>(count) + 1, false);
-    if (count > kColumns)
+    if (count > columns_)
         surfaceHeight_ = Rounded(view_.CaptionPos(count - 1).y() + kCaptionHeight + kPictureTop);
     else
         surfaceHeight_ = kViewportHeight + 1;
     view_.SetSurfaceHeight(surfaceHeight_);
     // Rounded, not cut: ten entries give two, though they fill only two rows.
-    scrollMax_ = Rounded((count - 1) / static_cast<double>(kColumns));
+    scrollMax_ = Rounded((count - 1) / static_cast<double>(columns_));
     view_.SetScrollMax(scrollMax_);
     view_.HideSelectedRect();
     for (int i = 0; i < view_.CellCount(); ++i)
@@ -68,8 +103,9 @@ void SelectionPanes::SizeSourcePane() {
 std::vector<int> SelectionPanes::LoadPictsInSight() {
     const LibraryCache& library = state_.Library;
     const int firstRow = Rounded(-view_.SurfaceTop() / static_cast<double>(choiceRowHeight_));
-    const int first = firstRow * kColumns;
-    const int last = std::min(firstRow * kColumns + 2 * kColumns - 1, library.NumChoices - 1);
+    const int first = firstRow * columns_;
+    const int last =
+        std::min(first + rowsInSight_ * columns_ - 1, static_cast<int>(library.NumChoices) - 1);
     // A cache rebuilt without a resize of the pane: everything in it is new.
     if (pictLoaded_.size() != static_cast<size_t>(library.NumChoices) + 1)
         pictLoaded_.assign(static_cast<size_t>(library.NumChoices) + 1, false);

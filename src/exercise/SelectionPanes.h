@@ -48,8 +48,9 @@ public:
     virtual void Destroy() = 0;
 };
 
-// The grid arithmetic of the two panes (five pictures across), the scrolling by rows
-// and the loading of only the pictures in sight, each at most once for a view.
+// The grid arithmetic of the two panes (five pictures across in the design, more in a wider
+// window), the scrolling by rows and the loading of only the pictures in sight, each at
+// most once for a view.
 class SelectionPanes {
 public:
     // The design of the upper pane, in pixels.
@@ -81,9 +82,18 @@ public:
     void Scroll1Settled(int value);
     // The thumb is being dragged: the surface follows, nothing loads.
     void Scroll1Dragged(int value);
+    // The upper pane was resized to hold this many columns and rows (at least the design's
+    // five and two): a change of columns lays the cells out again and sizes the surface;
+    // then the pictures newly in sight load.
+    void SetGrid(int columns, int rowsInSight);
+    // The columns and rows a viewport of this design size holds.
+    static int ColumnsFor(double viewportWidth);
+    static int RowsFor(double viewportHeight);
 
     int ChoiceRowHeight() const { return choiceRowHeight_; }
     int ColumnWidth() const { return colWidth_; }
+    int Columns() const { return columns_; }
+    int RowsInSight() const { return rowsInSight_; }
     bool PictLoaded(int index) const;
     int SurfaceHeight() const { return surfaceHeight_; }
     int ScrollMax() const { return scrollMax_; }
@@ -104,6 +114,9 @@ private:
     int imLeft_ = 0, lbLeft_ = 0, imTop_ = 0, lbTop_ = 0;
     int surfaceHeight_ = 0;
     int scrollMax_ = 0;
+    int columns_ = kColumns;
+    int rowsInSight_ = 2;
+    bool made_ = false; // the cells of the library exist
     std::vector<bool> pictLoaded_;
 };
 

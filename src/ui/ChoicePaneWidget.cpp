@@ -27,8 +27,11 @@ ChoicePaneWidget::ChoicePaneWidget(QWidget* parent)
     cells_.push_back(design);
     setAcceptDrops(true);
     setMouseTracking(true);
-    setFixedSize(static_cast<int>(SelectionPanes::kViewportWidth * S) + scroll_->sizeHint().width(),
-                 static_cast<int>(SelectionPanes::kViewportHeight * S));
+    // The design's viewport at the least; a bigger window shows more columns and rows.
+    setMinimumSize(static_cast<int>(SelectionPanes::kViewportWidth * S) +
+                       scroll_->sizeHint().width(),
+                   static_cast<int>(SelectionPanes::kViewportHeight * S));
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     scroll_->setObjectName(QStringLiteral("VScroll1"));
     scroll_->setRange(0, 0);
     scroll_->setSingleStep(1);
@@ -51,6 +54,15 @@ ChoicePaneWidget::ChoicePaneWidget(QWidget* parent)
 void ChoicePaneWidget::resizeEvent(QResizeEvent*) {
     scroll_->setGeometry(width() - scroll_->sizeHint().width(), 0, scroll_->sizeHint().width(),
                          height());
+    if (!logic_)
+        return;
+    const int columns = SelectionPanes::ColumnsFor((width() - scroll_->sizeHint().width()) / S);
+    const int rows = SelectionPanes::RowsFor(height() / S);
+    RunGuarded([&] { logic_->Panes().SetGrid(columns, rows); });
+}
+
+int ChoicePaneWidget::Columns() const {
+    return logic_ ? logic_->Panes().Columns() : SelectionPanes::kColumns;
 }
 
 void ChoicePaneWidget::CreateCell(int index) {
@@ -130,8 +142,8 @@ int ChoicePaneWidget::CellAt(QPoint pos, bool picturesOnly) const {
     const double designY = pos.y() / S - surfaceTop_;
     const int row = static_cast<int>(designY / 76.0);
     for (int r = std::max(0, row - 1); r <= row + 1; ++r) {
-        for (int c = 0; c < SelectionPanes::kColumns; ++c) {
-            const int i = r * SelectionPanes::kColumns + c;
+        for (int c = 0; c < Columns(); ++c) {
+            const int i = r * Columns() + c;
             if (i >= CellCount() || !cells_[static_cast<size_t>(i)].visible)
                 continue;
             if (PictureRect(i).contains(pos) || (!picturesOnly && CaptionRect(i).contains(pos)))
@@ -151,8 +163,7 @@ void ChoicePaneWidget::paintEvent(QPaintEvent*) {
     p.setFont(font);
     const int firstRow = std::max(0, static_cast<int>(-surfaceTop_ / 76.0) - 1);
     const int lastRow = firstRow + static_cast<int>(height() / S / 76.0) + 3;
-    for (int i = firstRow * SelectionPanes::kColumns;
-         i < std::min(CellCount(), (lastRow + 1) * SelectionPanes::kColumns); ++i) {
+    for (int i = firstRow * Columns(); i < std::min(CellCount(), (lastRow + 1) * Columns()); ++i) {
         const Cell& cell = cells_[static_cast<size_t>(i)];
         if (!cell.visible)
             continue;

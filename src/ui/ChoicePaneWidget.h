@@ -66,6 +66,7 @@ private:
         bool blue = false;
     };
     QRectF CaptionRect(int index) const;
+    int Columns() const; // of the grid the logic lays out
 
     std::vector<Cell> cells_;
     QScrollBar* scroll_;

@@ -11,6 +11,7 @@
 #include "ui/ChoicePaneWidget.h"
 #include "ui/ExerciseParamsDialog.h"
 #include "ui/ProgressWindow.h"
+#include "ui/ScreenFit.h"
 #include "ui/SlotPaneWidget.h"
 
 #include <QApplication>
@@ -55,6 +56,7 @@ WorkspaceWindow::WorkspaceWindow(AppState& state, Shell& shell, Prompter& prompt
     cboUsage_->setInsertPolicy(QComboBox::NoInsert);
     cboUsage_->setProperty("tag", QStringLiteral("Usage"));
     BuildLayout();
+    KeepOnScreenWhenShown(this);
 
     SelectionWorkspace::Services services;
     services.InitListBoxes = [this] { filter_->InitListBoxes(); };
@@ -182,11 +184,10 @@ void WorkspaceWindow::BuildLayout() {
     }
     auto* panes = new QVBoxLayout;
     panes->addWidget(choicesLabel_);
-    panes->addWidget(choices_);
+    panes->addWidget(choices_, 1); // the library takes what the window has to spare
     panes->addSpacing(6);
     panes->addWidget(selectedLabel_);
-    panes->addWidget(slots_);
-    panes->addStretch();
+    panes->addWidget(slots_, 0, Qt::AlignLeft);
     auto* layout = new QHBoxLayout(this);
     layout->addWidget(BuildSidePanel());
     layout->addLayout(panes);

@@ -188,3 +188,45 @@ TEST(SelectionPanes, TheSlotsOfTheLowerPane) {
     EXPECT_EQ(SelectionPanes::SlotCaptionPos(7), QPoint(192, 138));
     EXPECT_EQ(SelectionPanes::SlotNumberPos(15), QPoint(4, 246));
 }
+
+TEST(SelectionPanes, AWiderPaneLaysTheCellsOutInMoreColumnsAndLoadsTheRowsInSight) {
+    PaneRig rig(40);
+    rig.panes.CreateExChoiceControls(rig.progress);
+    rig.panes.SizeSourcePane();
+    rig.panes.LoadPictsInSight();
+    EXPECT_EQ(rig.view.TotalReads(), 10); // two rows of five
+    EXPECT_EQ(SelectionPanes::ColumnsFor(449), 5);
+    EXPECT_EQ(SelectionPanes::ColumnsFor(449 + 88), 5);
+    EXPECT_EQ(SelectionPanes::ColumnsFor(449 + 89), 6);
+    EXPECT_EQ(SelectionPanes::ColumnsFor(300), 5); // never fewer than the design's
+    EXPECT_EQ(SelectionPanes::RowsFor(141), 2);
+    EXPECT_EQ(SelectionPanes::RowsFor(300), 4);
+
+    rig.panes.SetGrid(8, 3);
+    EXPECT_EQ(rig.panes.Columns(), 8);
+    EXPECT_EQ(rig.view.PicturePos(7), QPoint(7 * 89 + 18, 4));
+    EXPECT_EQ(rig.view.PicturePos(8), QPoint(18, 76 + 4));
+    EXPECT_EQ(rig.view.CaptionPos(0), QPoint(16, 57)); // laid out again, the design pair too
+    EXPECT_EQ(rig.view.CaptionPos(39), QPoint(7 * 89 + 16, 4 * 76 + 57));
+    EXPECT_EQ(rig.panes.ScrollMax(), 5); // 39 / 8 rounded
+    for (int i = 0; i < 24; ++i)
+        EXPECT_TRUE(rig.panes.PictLoaded(i)) << i;
+    EXPECT_FALSE(rig.panes.PictLoaded(24));
+
+    // More rows alone load only what came into sight; nothing is read twice.
+    const int reads = rig.view.TotalReads();
+    rig.panes.SetGrid(8, 4);
+    EXPECT_EQ(rig.view.TotalReads(), reads + 8);
+    EXPECT_EQ(rig.view.reads.value(rig.state.Media.Icon + "1.JPG"),
+              2); // once before, once after the new layout
+}
+
+TEST(SelectionPanes, AGridSetBeforeTheCellsExistIsUsedWhenTheyAreMade) {
+    PaneRig rig(12);
+    rig.panes.SetGrid(6, 2);
+    EXPECT_EQ(rig.view.TotalReads(), 0);
+    rig.panes.CreateExChoiceControls(rig.progress);
+    EXPECT_EQ(rig.view.PicturePos(6), QPoint(18, 76 + 4));
+    rig.panes.SizeSourcePane();
+    EXPECT_EQ(rig.panes.ScrollMax(), 2); // 11 / 6 rounded
+}
