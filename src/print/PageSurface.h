@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QImage>
+#include <QSizeF>
 #include <QString>
 
 namespace tarvex {
@@ -70,6 +71,9 @@ public:
     // kPortrait or kLandscape; applies to the page that is drawn next.
     virtual void SetOrientation(int orientation) = 0;
     virtual int Orientation() const = 0;
+    // The paper in inches as it lies in the current orientation, when the surface knows
+    // its paper (a printer or a PDF file); empty otherwise.
+    virtual QSizeF PaperInches() const { return {}; }
 
 protected:
     virtual double MeasureWidth(const SurfaceFont& font, const QString& text) const = 0;

@@ -160,4 +160,10 @@ void PainterSurface::SetOrientation(int orientation) {
     }
 }
 
+QSizeF PainterSurface::PaperInches() const {
+    if (!m_paged)
+        return {};
+    return m_paged->pageLayout().fullRect(QPageLayout::Inch).size();
+}
+
 } // namespace tarvex

@@ -34,6 +34,7 @@ public:
     void EndDoc() override;
     void SetOrientation(int orientation) override;
     int Orientation() const override { return m_orientation; }
+    QSizeF PaperInches() const override;
 
     // The Qt font that draws a surface font, with its size in twips.
     QFont QtFont(const SurfaceFont& font) const;

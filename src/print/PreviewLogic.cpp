@@ -57,8 +57,13 @@ QRect PreviewLogic::Load(int screenWidth, int screenHeight) {
 
 void PreviewLogic::SizePage(PreviewPage& page, bool clear) {
     const double scale = m_state.Print.PrintScale;
-    page.Width = static_cast<int>(std::lround(m_state.Print.PageWidthInches * 1440.0 * scale));
-    page.Height = static_cast<int>(std::lround(m_state.Print.PageHeightInches * 1440.0 * scale));
+    // The page is the printer's paper at the zoom; the sheets are laid out on the page size
+    // of their orientation, which is the paper when the printer's paper is not known.
+    const QSizeF paper = m_printer.PaperInches();
+    const double width = paper.isEmpty() ? m_state.Print.PageWidthInches : paper.width();
+    const double height = paper.isEmpty() ? m_state.Print.PageHeightInches : paper.height();
+    page.Width = static_cast<int>(std::lround(width * 1440.0 * scale));
+    page.Height = static_cast<int>(std::lround(height * 1440.0 * scale));
     const QSize pixels(std::max(1, static_cast<int>(std::lround(page.Width / m_twipsPerPixel))),
                        std::max(1, static_cast<int>(std::lround(page.Height / m_twipsPerPixel))));
     if (page.Image.size() != pixels) {
@@ -243,11 +248,11 @@ void PreviewLogic::HScrollScrolled(int value) {
 void PreviewLogic::Resize(int formWidth, int formHeight) {
     if (m_loading)
         return;
-    m_frameWidth = formWidth - 120;
-    m_vscroll.Left = m_frameWidth - 315;
+    m_frameWidth = formWidth - kWidthAllowance;
+    m_vscroll.Left = m_frameWidth - kScrollBarRoom;
     m_hscroll.Width = m_vscroll.Left;
-    m_frameHeight = formHeight - 1155;
-    m_hscroll.Top = m_frameHeight - 315;
+    m_frameHeight = formHeight - kHeightAllowance;
+    m_hscroll.Top = m_frameHeight - kScrollBarRoom;
     m_vscroll.Height = m_hscroll.Top;
     m_patchTop = m_hscroll.Top;
     m_patchLeft = m_vscroll.Left;

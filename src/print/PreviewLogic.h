@@ -64,6 +64,12 @@ public:
     static constexpr double kScaleStep = 0.25;
     static constexpr int kScrollStep = 300;
     static constexpr int kScrollStart = -150;
+    // The page area's place in the form, in twips: its inset from the form's left, what the
+    // form's width and height have beyond it, and the room each scroll bar has at its edge.
+    static constexpr int kFrameInset = 60;
+    static constexpr int kWidthAllowance = 120;
+    static constexpr int kHeightAllowance = 1155;
+    static constexpr int kScrollBarRoom = 315;
 
     // printer: the printer whose orientation each drawing run sets for the job.
     PreviewLogic(AppState& state, PageSurface& printer, double twipsPerPixel = 15.0);

@@ -47,6 +47,11 @@ private:
     int index_;
 };
 
+constexpr int kFrameInset = PreviewLogic::kFrameInset;
+constexpr int kWidthAllowance = PreviewLogic::kWidthAllowance;
+constexpr int kHeightAllowance = PreviewLogic::kHeightAllowance;
+constexpr int kScrollBarRoom = PreviewLogic::kScrollBarRoom;
+
 struct ToolButton {
     const char* key;
     const char* tip;
@@ -145,8 +150,8 @@ PrintPreviewDialog::PrintPreviewDialog(AppState& state, QPrinter& printer,
     const double twipsPerPixel = 1440.0 / std::max(1, logicalDpiY());
     printerSurface_ = std::make_unique<PrinterSurface>(printer_);
     logic_ = std::make_unique<PreviewLogic>(state, *printerSurface_, twipsPerPixel);
-    logic_->SetScrollBarThickness(
-        static_cast<int>(style()->pixelMetric(QStyle::PM_ScrollBarExtent) * twipsPerPixel));
+    // The bars fill the room the page area leaves for them, so no page shows beside them.
+    logic_->SetScrollBarThickness(kScrollBarRoom);
     logic_->Changed = [this] { Sync(); };
 
     const QSize screenSize = screen() ? screen()->availableGeometry().size() : QSize(1024, 768);
@@ -177,9 +182,14 @@ void PrintPreviewDialog::resizeEvent(QResizeEvent* event) {
     const int statusHeight = StatusBar1->sizeHint().height();
     Toolbar1->setGeometry(0, 0, width(), toolbarHeight);
     StatusBar1->setGeometry(0, height() - statusHeight, width(), statusHeight);
+    // The logic takes the form's size less fixed allowances for the toolbar, the status bar
+    // and the borders; give it the size whose page area is the room this window has between
+    // its toolbar and status bar.
     const double p = logic_->TwipsPerPixel();
-    const QSize outer = frameGeometry().size();
-    logic_->Resize(static_cast<int>(outer.width() * p), static_cast<int>(outer.height() * p));
+    const int roomWidth = std::max(0, width() - 2 * Pixels(kFrameInset));
+    const int roomHeight = std::max(0, height() - toolbarHeight - statusHeight);
+    logic_->Resize(static_cast<int>(std::lround(roomWidth * p)) + kWidthAllowance,
+                   static_cast<int>(std::lround(roomHeight * p)) + kHeightAllowance);
 }
 
 void PrintPreviewDialog::Sync() {
@@ -188,7 +198,8 @@ void PrintPreviewDialog::Sync() {
     syncing_ = true;
     const PreviewLogic& logic = *logic_;
     const int toolbarHeight = Toolbar1->sizeHint().height();
-    OuterFrame->setGeometry(Pixels(60), toolbarHeight, std::max(0, Pixels(logic.FrameWidth())),
+    OuterFrame->setGeometry(Pixels(kFrameInset), toolbarHeight,
+                            std::max(0, Pixels(logic.FrameWidth())),
                             std::max(0, Pixels(logic.FrameHeight())));
     while (static_cast<int>(pages_.size()) < logic.PageCount()) {
         auto* page = new PagePicture(logic, static_cast<int>(pages_.size()), OuterFrame);

@@ -13,6 +13,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLabel>
+#include <QPageSize>
+#include <QPrinter>
 #include <QProcess>
 #include <QScrollBar>
 #include <QTemporaryDir>
@@ -170,4 +172,30 @@ TEST(PrintPreviewWindow, TheOrderFormAfterAPrintIsLaidOutAtThePreviewsInch) {
     QDir().mkpath(TARVEX_SCREENSHOT_DIR);
     ASSERT_TRUE(
         dialog->grab().save(QStringLiteral(TARVEX_SCREENSHOT_DIR) + "/print-preview-order.png"));
+}
+
+TEST(PrintPreviewWindow, ThePageIsThePrintersPaperAtTheZoom) {
+    PreviewRun r(5);
+    const struct {
+        QPageSize::PageSizeId paper;
+        JobKind job;
+        double width, height; // inches as the page lies
+    } cases[] = {
+        {QPageSize::A4, kJobExercises4, 210 / 25.4, 297 / 25.4},
+        {QPageSize::Letter, kJobExercises4, 8.5, 11.0},
+        {QPageSize::Legal, kJobExercises2, 14.0, 8.5}, // two a page lie across
+        {QPageSize::A4, kJobVideoOrder, 210 / 25.4, 297 / 25.4},
+    };
+    for (const auto& c : cases) {
+        r.window.Printer().setPageSize(QPageSize(c.paper));
+        auto dialog = r.Open(c.job);
+        const double pixelsPerInch = 1440.0 / dialog->Logic().TwipsPerPixel();
+        const QImage& page = dialog->Logic().Page(0).Image;
+        const double scale = r.state.Print.PrintScale;
+        EXPECT_NEAR(page.width(), c.width * scale * pixelsPerInch, 1.5) << c.paper;
+        EXPECT_NEAR(page.height(), c.height * scale * pixelsPerInch, 1.5) << c.paper;
+        EXPECT_EQ(dialog->PageWidget(0)->size(), page.size());
+        dialog->close();
+    }
+    r.window.Printer().setPageSize(QPageSize(QPageSize::Letter));
 }
