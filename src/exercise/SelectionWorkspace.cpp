@@ -52,16 +52,16 @@ void SelectionWorkspace::InitExerciseSelection(bool reload) {
 void SelectionWorkspace::Activate() {
     switch (state_.WorkspaceMode) {
     case WorkspacePurpose::None:
-        shell_.UpdateMenu(2);
+        shell_.UpdateMenu(MenuMode::All);
         break;
     case WorkspacePurpose::Program:
         view_.ShowProgramControls(true);
-        shell_.UpdateMenu(1);
-        shell_.UpdateToolbar(3);
+        shell_.UpdateMenu(MenuMode::PrintOnly);
+        shell_.UpdateToolbar(ToolbarMode::PrintOnly);
         break;
     default:
         view_.ShowProgramControls(false);
-        shell_.UpdateMenu(1);
+        shell_.UpdateMenu(MenuMode::PrintOnly);
         break;
     }
 }
@@ -303,7 +303,7 @@ void SelectionWorkspace::cmdOKCancel(const QString& tag) {
             p.Usage = cboUsage_.Text();
             p.Date = QDateTime::currentDateTime();
             p.Modified = true; // OK counts as a change, whatever was changed
-            shell_.UpdateToolbar(2);
+            shell_.UpdateToolbar(ToolbarMode::All);
             programs_.SaveProgram(false);
         } else if (mode == WorkspacePurpose::NewProtocol && services_.AddNewProtocol) {
             services_.AddNewProtocol();
@@ -313,13 +313,13 @@ void SelectionWorkspace::cmdOKCancel(const QString& tag) {
     } else if (tag == QLatin1String("Cancel")) {
         if (mode == WorkspacePurpose::Program) {
             programs_.LoadProgram(p.InvoiceID);
-            shell_.UpdateToolbar(2);
+            shell_.UpdateToolbar(ToolbarMode::All);
         }
     } else {
         return;
     }
     view_.HideWindow();
-    shell_.UpdateMenu(2);
+    shell_.UpdateMenu(MenuMode::All);
 }
 
 } // namespace tarvex

@@ -34,9 +34,9 @@ ClinicDialogLogic::ClinicDialogLogic(AppState& state, Shell& shell, Controls con
 void ClinicDialogLogic::Load() {
     FillClinicLists();
     InitClinicFields();
-    shell_.UpdateMenu(0);
+    shell_.UpdateMenu(MenuMode::None);
     savedToolbarMode_ = shell_.ToolbarMode();
-    shell_.UpdateToolbar(0);
+    shell_.UpdateToolbar(ToolbarMode::HelpOnly);
 }
 
 void ClinicDialogLogic::FillClinicLists() {
@@ -117,7 +117,7 @@ bool ClinicDialogLogic::cmdOKCancel(const QString& tag) {
 
 void ClinicDialogLogic::Unload() {
     shell_.UpdateToolbar(savedToolbarMode_);
-    shell_.UpdateMenu(2);
+    shell_.UpdateMenu(MenuMode::All);
 }
 
 bool LimitAddressLines(ITextBox& box) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/CommandModes.h"
 #include "support/Controls.h"
 
 #include <QString>
@@ -64,7 +65,7 @@ private:
     AppState& state_;
     Shell& shell_;
     Controls c_;
-    int savedToolbarMode_ = 0;
+    ToolbarMode savedToolbarMode_ = ToolbarMode::HelpOnly;
 };
 
 // Cuts a text before its fifth line break, so that it has at most five lines. Returns

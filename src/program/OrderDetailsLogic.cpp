@@ -81,8 +81,8 @@ void OrderDetailsLogic::Tick(ICheckBox& box) {
 }
 
 void OrderDetailsLogic::Load() {
-    shell_.UpdateToolbar(4);
-    shell_.UpdateMenu(0);
+    shell_.UpdateToolbar(ToolbarMode::None);
+    shell_.UpdateMenu(MenuMode::None);
     FillOrderDetails();
     // The lists come second: choosing their first entries replaces the texts that the
     // program gave, so the dialog always opens with the first shipping and payment.
@@ -206,7 +206,7 @@ void OrderDetailsLogic::txtShiptoBill_Click() {
 }
 
 bool OrderDetailsLogic::cmdOKCancel(const QString& caption) {
-    shell_.UpdateToolbar(2);
+    shell_.UpdateToolbar(ToolbarMode::All);
     if (caption == QLatin1String("OK")) {
         state_.Program.Modified = true;
         SaveOrderDetails();
@@ -216,7 +216,7 @@ bool OrderDetailsLogic::cmdOKCancel(const QString& caption) {
 }
 
 void OrderDetailsLogic::Unload() {
-    shell_.UpdateMenu(2);
+    shell_.UpdateMenu(MenuMode::All);
 }
 
 } // namespace tarvex

@@ -28,8 +28,8 @@ SelectPatientLogic::SelectPatientLogic(AppState& state, Shell& shell, Prompter& 
       host_(host) {}
 
 void SelectPatientLogic::Load() {
-    shell_.UpdateToolbar(0);
-    shell_.UpdateMenu(0);
+    shell_.UpdateToolbar(ToolbarMode::HelpOnly);
+    shell_.UpdateMenu(MenuMode::None);
     state_.Program.PatientID.reset();
     for (const QString& key : kSelectButtons)
         buttons_.SetEnabled(key, false);
@@ -75,17 +75,17 @@ void SelectPatientLogic::cmdOKCancel(const QString& tag) {
         p.InvoiceID.reset();
         p.IsNew = true;
         shell_.UpdateCaption();
-        shell_.UpdateToolbar(2);
+        shell_.UpdateToolbar(ToolbarMode::All);
     } else if (tag == QLatin1String("Cancel")) {
         p.PatientID.reset();
         shell_.UpdateCaption();
-        shell_.UpdateToolbar(1);
+        shell_.UpdateToolbar(ToolbarMode::PatientOnly);
     } else if (tag == QLatin1String("New")) {
         p.PatientID.reset();
         p.IsNew = true;
         shell_.UpdateCaption();
         host_.ShowEditPatient();
-        shell_.UpdateToolbar(0);
+        shell_.UpdateToolbar(ToolbarMode::HelpOnly);
     } else if (tag == QLatin1String("Edit")) {
         const int row = SelectedRowOrFault();
         p.PatientID = IdFromKey(list_.Key(row));
@@ -93,7 +93,7 @@ void SelectPatientLogic::cmdOKCancel(const QString& tag) {
         p.IsNew = true;
         shell_.UpdateCaption();
         host_.ShowEditPatient();
-        shell_.UpdateToolbar(0);
+        shell_.UpdateToolbar(ToolbarMode::HelpOnly);
     } else if (tag == QLatin1String("Delete")) {
         Delete();
     }
@@ -112,11 +112,11 @@ void SelectPatientLogic::Delete() {
             QStringLiteral("DELETE * FROM Patient WHERE PatientID = %1").arg(id));
     state_.Program.PatientID.reset();
     shell_.UpdateCaption();
-    shell_.UpdateToolbar(1);
+    shell_.UpdateToolbar(ToolbarMode::PatientOnly);
 }
 
 void SelectPatientLogic::Unload() {
-    shell_.UpdateMenu(2);
+    shell_.UpdateMenu(MenuMode::All);
     shell_.SetStatusBar(Shell::kReady);
 }
 
@@ -159,12 +159,12 @@ void EditPatientLogic::cmdOKCancel(const QString& tag) {
                    {"ID", id_.Text()},
                    {"FullName", fullName}});
         shell_.UpdateCaption();
-        shell_.UpdateToolbar(2);
+        shell_.UpdateToolbar(ToolbarMode::All);
     } else if (tag == QLatin1String("Cancel")) {
         p.PatientID.reset();
         p.InvoiceID.reset();
         shell_.UpdateCaption();
-        shell_.UpdateToolbar(1);
+        shell_.UpdateToolbar(ToolbarMode::PatientOnly);
     }
 }
 

@@ -76,7 +76,7 @@ bool ProgramListLogic::cmdOKCancel(const QString& tag) {
         store_.LoadProgram(id);
         state_.Program.IsNew = false;
         shell_.SetStatusBar(Shell::kReady);
-        shell_.UpdateToolbar(2);
+        shell_.UpdateToolbar(ToolbarMode::All);
         return true;
     }
     if (tag == QLatin1String("Delete")) {

@@ -22,35 +22,35 @@ const QStringList& Shell::RestrictedMenuKeys() {
     return keys;
 }
 
-void Shell::UpdateToolbar(int mode) {
+void Shell::UpdateToolbar(tarvex::ToolbarMode mode) {
     toolbarMode_ = mode;
     for (const QString& key : ToolbarKeys())
         toolbar_.SetEnabled(key, false);
     QStringList enabled;
     switch (mode) {
-    case 0:
+    case ToolbarMode::HelpOnly:
         enabled = {"Help"};
         break;
-    case 1:
+    case ToolbarMode::PatientOnly:
         enabled = {"Patient", "Programs", "Help"};
         break;
-    case 2:
+    case ToolbarMode::All:
         enabled = ToolbarKeys();
         break;
-    case 3:
+    case ToolbarMode::PrintOnly:
         enabled = {"Preview", "Print", "Help"};
         break;
-    default:
+    case ToolbarMode::None:
         break;
     }
     for (const QString& key : enabled)
         toolbar_.SetEnabled(key, true);
 }
 
-void Shell::UpdateMenu(int mode) {
+void Shell::UpdateMenu(tarvex::MenuMode mode) {
     menuMode_ = mode;
-    const bool print = mode == 1 || mode == 2;
-    const bool others = mode == 2;
+    const bool print = mode == MenuMode::PrintOnly || mode == MenuMode::All;
+    const bool others = mode == MenuMode::All;
     for (const QString& key : RestrictedMenuKeys()) {
         const bool isPrint = key == QLatin1String("mnuPrint") || key == QLatin1String("mnuPreview");
         menu_.SetEnabled(key, isPrint ? print : others);

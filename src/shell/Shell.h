@@ -1,5 +1,7 @@
 #pragma once
 
+#include "shell/CommandModes.h"
+
 #include "support/Controls.h"
 
 #include <QPoint>
@@ -41,19 +43,16 @@ public:
     // The menu entries whose availability depends on the menu mode.
     static const QStringList& RestrictedMenuKeys();
 
-    // 0 "Help"; 1 "Patient", "Programs", "Help"; 2 all; 3 "Preview", "Print", "Help";
-    // 4 and any other value none.
-    void UpdateToolbar(int mode);
-    // 0 none of the eight restricted entries; 1 only print and preview; 2 all.
-    void UpdateMenu(int mode);
+    void UpdateToolbar(tarvex::ToolbarMode mode);
+    void UpdateMenu(tarvex::MenuMode mode);
     void SetStatusBar(const QString& text);
     void SetStatusBarReady() { SetStatusBar(kReady); }
     void UpdateCaption();
     // True when the next print may go on: without a dialog when one was to be skipped.
     bool MaybeShowPrintDlg();
 
-    int ToolbarMode() const { return toolbarMode_; }
-    int MenuMode() const { return menuMode_; }
+    tarvex::ToolbarMode ToolbarMode() const { return toolbarMode_; }
+    tarvex::MenuMode MenuMode() const { return menuMode_; }
     const QString& LastStatus() const { return lastStatus_; }
     AppState& State() { return state_; }
 
@@ -64,8 +63,8 @@ private:
     IStatusBar& statusBar_;
     IWindowTitle& title_;
     IPrintDialog& printDialog_;
-    int toolbarMode_ = 0;
-    int menuMode_ = 0;
+    tarvex::ToolbarMode toolbarMode_ = ToolbarMode::HelpOnly;
+    tarvex::MenuMode menuMode_ = MenuMode::None;
     QString lastStatus_;
 };
 

@@ -25,7 +25,7 @@ bool PicturesPresent(const AppState& state) {
 
 bool RunStartup(AppState& state, Shell& shell, const ISettingsStore& store, IStartupHost& host,
                 Prompter& prompter) {
-    shell.UpdateToolbar(0);
+    shell.UpdateToolbar(ToolbarMode::HelpOnly);
     if (host.AnotherInstanceRunning())
         return false;
     host.ShowSplash();
@@ -53,7 +53,7 @@ bool RunStartup(AppState& state, Shell& shell, const ISettingsStore& store, ISta
 
     if (state.Prefs.ShowTips)
         host.ShowTip();
-    shell.UpdateToolbar(1);
+    shell.UpdateToolbar(ToolbarMode::PatientOnly);
     state.Program.PatientID.reset();
     state.Program.InvoiceID.reset();
 
@@ -61,7 +61,7 @@ bool RunStartup(AppState& state, Shell& shell, const ISettingsStore& store, ISta
         host.ShowCheckMedia();
     if (QFileInfo::exists(AppPathAndFName(state, QStringLiteral("TVX.MDB"))))
         prompter.MsgBox(kPreviousDatabaseText, msg::Information, kPreviousDatabaseTitle);
-    shell.UpdateMenu(2);
+    shell.UpdateMenu(MenuMode::All);
     if (madePrivate)
         shell.SetStatusBar(kMadePrivateText.arg(state.AppFolder));
     return true;

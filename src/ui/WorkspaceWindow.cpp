@@ -202,8 +202,8 @@ void WorkspaceWindow::LoadOnce() {
 
 void WorkspaceWindow::StartProgramVisit() {
     LoadOnce();
-    const int toolbarBefore = shell_.ToolbarMode();
-    const int menuBefore = shell_.MenuMode();
+    const ToolbarMode toolbarBefore = shell_.ToolbarMode();
+    const MenuMode menuBefore = shell_.MenuMode();
     state_.WorkspaceMode = WorkspacePurpose::Program;
     show();
     raise();
@@ -220,8 +220,8 @@ void WorkspaceWindow::StartProgramVisit() {
         shell_.UpdateMenu(menuBefore);
         return;
     }
-    shell_.UpdateMenu(1);
-    shell_.UpdateToolbar(3);
+    shell_.UpdateMenu(MenuMode::PrintOnly);
+    shell_.UpdateToolbar(ToolbarMode::PrintOnly);
 }
 
 bool WorkspaceWindow::event(QEvent* e) {

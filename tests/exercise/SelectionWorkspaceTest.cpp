@@ -248,16 +248,16 @@ TEST(Workspace, ActivationSetsTheCommandsByWorkspaceMode) {
     w.h.State().WorkspaceMode = WorkspacePurpose::Program;
     w.logic.Activate();
     EXPECT_TRUE(w.view.programControls);
-    EXPECT_EQ(w.h.shell.shell.MenuMode(), 1);
-    EXPECT_EQ(w.h.shell.shell.ToolbarMode(), 3);
+    EXPECT_EQ(w.h.shell.shell.MenuMode(), MenuMode::PrintOnly);
+    EXPECT_EQ(w.h.shell.shell.ToolbarMode(), ToolbarMode::PrintOnly);
     w.h.State().WorkspaceMode = WorkspacePurpose::NewProtocol;
-    w.h.shell.shell.UpdateToolbar(0);
+    w.h.shell.shell.UpdateToolbar(ToolbarMode::HelpOnly);
     w.logic.Activate();
     EXPECT_FALSE(w.view.programControls);
-    EXPECT_EQ(w.h.shell.shell.ToolbarMode(), 0);
+    EXPECT_EQ(w.h.shell.shell.ToolbarMode(), ToolbarMode::HelpOnly);
     w.h.State().WorkspaceMode = WorkspacePurpose::None;
     w.logic.Activate();
-    EXPECT_EQ(w.h.shell.shell.MenuMode(), 2);
+    EXPECT_EQ(w.h.shell.shell.MenuMode(), MenuMode::All);
 }
 
 TEST(Workspace, AVisitReloadsTheStoredProgramAndOkSavesIt) {
@@ -273,8 +273,8 @@ TEST(Workspace, AVisitReloadsTheStoredProgramAndOkSavesIt) {
     w.usage.text = "Once a day";
     w.logic.cmdOKCancel("OK");
     EXPECT_TRUE(w.view.hidden);
-    EXPECT_EQ(w.h.shell.shell.ToolbarMode(), 2);
-    EXPECT_EQ(w.h.shell.shell.MenuMode(), 2);
+    EXPECT_EQ(w.h.shell.shell.ToolbarMode(), ToolbarMode::All);
+    EXPECT_EQ(w.h.shell.shell.MenuMode(), MenuMode::All);
     EXPECT_EQ(w.h.Count("SELECT COUNT(*) FROM Exercise"), 1);
     EXPECT_EQ(w.h.Count("SELECT COUNT(*) FROM Invoice WHERE Usage = 'Once a day'"), 1);
     EXPECT_FALSE(w.P().Modified);
@@ -301,7 +301,7 @@ TEST(Workspace, CancelAfterDeletingRestoresFromTheDatabase) {
     w.logic.cmdOKCancel("Cancel");
     EXPECT_EQ(w.P().NumExercises, 4);
     EXPECT_FALSE(w.P().Modified);
-    EXPECT_EQ(w.h.shell.shell.ToolbarMode(), 2);
+    EXPECT_EQ(w.h.shell.shell.ToolbarMode(), ToolbarMode::All);
 }
 
 TEST(Workspace, OkAndCancelForProtocolsLeaveTheProgramAlone) {

@@ -19,7 +19,7 @@ using ItemsWindow = UsLocale;
 
 TEST_F(ItemsWindow, OpensWithItsCaptionsGroundVisaAndTheShippingAsTheTotal) {
     ProgramHarness h;
-    h.shell.shell.UpdateToolbar(2);
+    h.shell.shell.UpdateToolbar(ToolbarMode::All);
     auto* dialog = new ItemsDialog(h.State(), h.shell.shell, h.store);
     EXPECT_EQ(dialog->windowTitle(), "Order Items");
     EXPECT_EQ(dialog->chkVideo->text(), "Exercise Video");
@@ -32,8 +32,8 @@ TEST_F(ItemsWindow, OpensWithItsCaptionsGroundVisaAndTheShippingAsTheTotal) {
     EXPECT_EQ(dialog->cboPayMethod->currentText(), "VISA");
     EXPECT_EQ(dialog->lblSubTotal->text(), "$0.00");
     EXPECT_EQ(dialog->lblTotal->text(), "$4.00");
-    EXPECT_EQ(h.shell.shell.ToolbarMode(), 4);
-    EXPECT_EQ(h.shell.shell.MenuMode(), 0);
+    EXPECT_EQ(h.shell.shell.ToolbarMode(), ToolbarMode::None);
+    EXPECT_EQ(h.shell.shell.MenuMode(), MenuMode::None);
     dialog->close();
 }
 
@@ -74,8 +74,8 @@ TEST_F(ItemsWindow, ClicksRecalculateAndOkStoresTheOrder) {
     EXPECT_EQ(p.Item(0).Price, Currency{199500});
     EXPECT_FALSE(p.Modified);
     EXPECT_TRUE(p.InvoiceID.has_value());
-    EXPECT_EQ(h.shell.shell.ToolbarMode(), 2);
-    EXPECT_EQ(h.shell.shell.MenuMode(), 2);
+    EXPECT_EQ(h.shell.shell.ToolbarMode(), ToolbarMode::All);
+    EXPECT_EQ(h.shell.shell.MenuMode(), MenuMode::All);
 }
 
 TEST_F(ItemsWindow, TheCloseBoxActsAsCancelAndGivesTheCommandsBack) {
@@ -86,6 +86,6 @@ TEST_F(ItemsWindow, TheCloseBoxActsAsCancelAndGivesTheCommandsBack) {
     QTest::keyClick(dialog, Qt::Key_Escape);
     EXPECT_EQ(h.Program().NumItems, 0);
     EXPECT_FALSE(h.Program().Modified);
-    EXPECT_EQ(h.shell.shell.ToolbarMode(), 2);
-    EXPECT_EQ(h.shell.shell.MenuMode(), 2);
+    EXPECT_EQ(h.shell.shell.ToolbarMode(), ToolbarMode::All);
+    EXPECT_EQ(h.shell.shell.MenuMode(), MenuMode::All);
 }

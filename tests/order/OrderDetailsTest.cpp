@@ -51,11 +51,11 @@ TEST_F(OrderDetails, TheCatalogueAndTheDialogsOwnShippingRates) {
 
 TEST_F(OrderDetails, LoadTurnsEveryToolbarButtonOffAndTheRestrictedMenuToo) {
     OrderForm f;
-    f.h.shell.shell.UpdateToolbar(2);
-    f.h.shell.shell.UpdateMenu(2);
+    f.h.shell.shell.UpdateToolbar(ToolbarMode::All);
+    f.h.shell.shell.UpdateMenu(MenuMode::All);
     f.logic.Load();
-    EXPECT_EQ(f.h.shell.shell.ToolbarMode(), 4);
-    EXPECT_EQ(f.h.shell.shell.MenuMode(), 0);
+    EXPECT_EQ(f.h.shell.shell.ToolbarMode(), ToolbarMode::None);
+    EXPECT_EQ(f.h.shell.shell.MenuMode(), MenuMode::None);
     EXPECT_TRUE(f.h.shell.ToolbarOn().isEmpty());
     EXPECT_TRUE(f.h.shell.MenuOn().isEmpty());
 }
@@ -65,10 +65,10 @@ TEST_F(OrderDetails, OkAndCancelBothGiveToolbarModeTwoAndUnloadGivesMenuModeTwo)
         OrderForm f;
         f.logic.Load();
         EXPECT_TRUE(f.logic.cmdOKCancel(button));
-        EXPECT_EQ(f.h.shell.shell.ToolbarMode(), 2) << button;
-        EXPECT_EQ(f.h.shell.shell.MenuMode(), 0) << button;
+        EXPECT_EQ(f.h.shell.shell.ToolbarMode(), ToolbarMode::All) << button;
+        EXPECT_EQ(f.h.shell.shell.MenuMode(), MenuMode::None) << button;
         f.logic.Unload();
-        EXPECT_EQ(f.h.shell.shell.MenuMode(), 2) << button;
+        EXPECT_EQ(f.h.shell.shell.MenuMode(), MenuMode::All) << button;
         EXPECT_EQ(f.h.shell.ToolbarOn(), Shell::ToolbarKeys());
     }
 }

@@ -56,13 +56,13 @@ TEST(ClinicDialog, OnAFirstRunShowsTheFirstItemsAndTheZeroDate) {
 TEST(ClinicDialog, LoadRestrictsTheCommandsAndUnloadRestoresTheToolbarMode) {
     AppState state;
     ClinicForm form(state);
-    form.shell.shell.UpdateToolbar(2);
+    form.shell.shell.UpdateToolbar(ToolbarMode::All);
     form.logic.Load();
-    EXPECT_EQ(form.shell.shell.ToolbarMode(), 0);
-    EXPECT_EQ(form.shell.shell.MenuMode(), 0);
+    EXPECT_EQ(form.shell.shell.ToolbarMode(), ToolbarMode::HelpOnly);
+    EXPECT_EQ(form.shell.shell.MenuMode(), MenuMode::None);
     form.logic.Unload();
-    EXPECT_EQ(form.shell.shell.ToolbarMode(), 2);
-    EXPECT_EQ(form.shell.shell.MenuMode(), 2);
+    EXPECT_EQ(form.shell.shell.ToolbarMode(), ToolbarMode::All);
+    EXPECT_EQ(form.shell.shell.MenuMode(), MenuMode::All);
 }
 
 TEST(ClinicDialog, ShowsTheSiteNumber) {

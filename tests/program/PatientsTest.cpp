@@ -36,12 +36,12 @@ TEST(SelectPatient, LoadDropsTheCurrentPatientAndRestrictsTheCommands) {
     ProgramHarness h;
     h.AddPatient("Ng");
     h.Program().PatientID = 99;
-    h.shell.shell.UpdateToolbar(2);
+    h.shell.shell.UpdateToolbar(ToolbarMode::All);
     PatientDialogs d(h);
     d.select.Load();
     EXPECT_FALSE(h.Program().PatientID.has_value());
-    EXPECT_EQ(h.shell.shell.ToolbarMode(), 0);
-    EXPECT_EQ(h.shell.shell.MenuMode(), 0);
+    EXPECT_EQ(h.shell.shell.ToolbarMode(), ToolbarMode::HelpOnly);
+    EXPECT_EQ(h.shell.shell.MenuMode(), MenuMode::None);
     ASSERT_EQ(d.list.RowCount(), 1);
     EXPECT_EQ(d.list.Key(0).left(1), "k");
     EXPECT_EQ(d.list.Text(0, 0), "Ng, Ann");
@@ -56,13 +56,13 @@ TEST(SelectPatient, WithAnEmptyTableOkEditAndDeleteStayDisabledAndNewAndCancelWo
     d.select.Load();
     EXPECT_TRUE(d.ButtonsOn().isEmpty());
     d.select.cmdOKCancel("Cancel");
-    EXPECT_EQ(h.shell.shell.ToolbarMode(), 1);
-    EXPECT_EQ(h.shell.shell.MenuMode(), 2);
+    EXPECT_EQ(h.shell.shell.ToolbarMode(), ToolbarMode::PatientOnly);
+    EXPECT_EQ(h.shell.shell.MenuMode(), MenuMode::All);
     EXPECT_EQ(h.shell.title.title, "TVX Regimenter - No Patient Selected");
     d.select.Load();
     d.select.cmdOKCancel("New");
     EXPECT_EQ(d.host.shown, 1);
-    EXPECT_EQ(h.shell.shell.ToolbarMode(), 0);
+    EXPECT_EQ(h.shell.shell.ToolbarMode(), ToolbarMode::HelpOnly);
 }
 
 TEST(SelectPatient, OkMakesTheSelectedPatientCurrent) {
@@ -82,8 +82,8 @@ TEST(SelectPatient, OkMakesTheSelectedPatientCurrent) {
     EXPECT_FALSE(h.Program().InvoiceID.has_value());
     EXPECT_TRUE(h.Program().IsNew);
     EXPECT_EQ(h.shell.title.title, "TVX Regimenter Patient: Baker, Bo");
-    EXPECT_EQ(h.shell.shell.ToolbarMode(), 2);
-    EXPECT_EQ(h.shell.shell.MenuMode(), 2);
+    EXPECT_EQ(h.shell.shell.ToolbarMode(), ToolbarMode::All);
+    EXPECT_EQ(h.shell.shell.MenuMode(), MenuMode::All);
     EXPECT_EQ(h.shell.status.PanelText(0), "Status: Ready");
 }
 
@@ -94,7 +94,7 @@ TEST(SelectPatient, ADoubleClickIsOk) {
     d.select.Load();
     d.select.lstPatients_DblClick();
     EXPECT_EQ(*h.Program().PatientID, id);
-    EXPECT_EQ(h.shell.shell.ToolbarMode(), 2);
+    EXPECT_EQ(h.shell.shell.ToolbarMode(), ToolbarMode::All);
 }
 
 TEST(SelectPatient, OkOrADoubleClickWithNoSelectedEntryIsAFault) {
@@ -145,7 +145,7 @@ TEST(SelectPatient, DeletingAPatientRemovesAllTheirStoredPrograms) {
     EXPECT_EQ(h.Count("SELECT COUNT(*) FROM Exercise"), 3);
     EXPECT_EQ(h.Count("SELECT COUNT(*) FROM Items"), 1);
     EXPECT_FALSE(h.Program().PatientID.has_value());
-    EXPECT_EQ(h.shell.shell.ToolbarMode(), 1);
+    EXPECT_EQ(h.shell.shell.ToolbarMode(), ToolbarMode::PatientOnly);
 }
 
 TEST(SelectPatient, NoToTheDeleteQuestionClosesWithNoPatientAndTheToolbarInModeZero) {
@@ -157,8 +157,8 @@ TEST(SelectPatient, NoToTheDeleteQuestionClosesWithNoPatientAndTheToolbarInModeZ
     d.select.cmdOKCancel("Delete");
     EXPECT_EQ(h.Count("SELECT COUNT(*) FROM Patient"), 1);
     EXPECT_FALSE(h.Program().PatientID.has_value());
-    EXPECT_EQ(h.shell.shell.ToolbarMode(), 0);
-    EXPECT_EQ(h.shell.shell.MenuMode(), 2);
+    EXPECT_EQ(h.shell.shell.ToolbarMode(), ToolbarMode::HelpOnly);
+    EXPECT_EQ(h.shell.shell.MenuMode(), MenuMode::All);
     EXPECT_EQ(h.shell.status.PanelText(0), "Status: Ready");
 }
 
@@ -172,7 +172,7 @@ TEST(EditPatient, NewThenCancelLeavesAnEmptyRowInTheList) {
     d.edit.cmdOKCancel("Cancel");
     EXPECT_FALSE(h.Program().PatientID.has_value());
     EXPECT_FALSE(h.Program().InvoiceID.has_value());
-    EXPECT_EQ(h.shell.shell.ToolbarMode(), 1);
+    EXPECT_EQ(h.shell.shell.ToolbarMode(), ToolbarMode::PatientOnly);
     EXPECT_EQ(h.Count("SELECT COUNT(*) FROM Patient"), 1);
     d.select.Load();
     ASSERT_EQ(d.list.RowCount(), 1);
@@ -192,7 +192,7 @@ TEST(EditPatient, OkWritesTheFourColumnsAndMakesThePatientCurrent) {
     d.edit.cmdOKCancel("OK");
     EXPECT_EQ(h.Program().FullName, "O'Neil , Siobhán");
     EXPECT_FALSE(h.Program().InvoiceID.has_value());
-    EXPECT_EQ(h.shell.shell.ToolbarMode(), 2);
+    EXPECT_EQ(h.shell.shell.ToolbarMode(), ToolbarMode::All);
     EXPECT_EQ(h.shell.title.title, "TVX Regimenter Patient: O'Neil , Siobhán");
     QSqlQuery q = OpenQuery(h.Db(), QStringLiteral("SELECT LastName, FirstName, ID, FullName FROM "
                                                    "Patient WHERE PatientID = %1")

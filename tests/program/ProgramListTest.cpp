@@ -63,12 +63,12 @@ TEST(ProgramList, WithNoProgramsOnlyOkCanBePressedUntilAClick) {
 
 TEST(ProgramList, LoadChangesNeitherToolbarNorMenu) {
     ProgramHarness h;
-    h.shell.shell.UpdateToolbar(1);
-    h.shell.shell.UpdateMenu(2);
+    h.shell.shell.UpdateToolbar(ToolbarMode::PatientOnly);
+    h.shell.shell.UpdateMenu(MenuMode::All);
     ProgramList l(h);
     l.logic.Load();
-    EXPECT_EQ(h.shell.shell.ToolbarMode(), 1);
-    EXPECT_EQ(h.shell.shell.MenuMode(), 2);
+    EXPECT_EQ(h.shell.shell.ToolbarMode(), ToolbarMode::PatientOnly);
+    EXPECT_EQ(h.shell.shell.MenuMode(), MenuMode::All);
 }
 
 TEST(ProgramList, OkAndADoubleClickCloseWithoutRecalling) {
@@ -99,7 +99,7 @@ TEST(ProgramList, EditOnAnotherPatientsProgramChangesTheCurrentPatientAndTitle) 
     EXPECT_EQ(*h.Program().InvoiceID, bProgram);
     EXPECT_EQ(h.shell.title.title, "TVX Regimenter Patient: Baker, Ann");
     EXPECT_FALSE(h.Program().IsNew);
-    EXPECT_EQ(h.shell.shell.ToolbarMode(), 2);
+    EXPECT_EQ(h.shell.shell.ToolbarMode(), ToolbarMode::All);
     // Until the program changes, panel 2 holds no "Add" or "Update"; then "Update".
     EXPECT_EQ(h.shell.status.PanelText(1), " " + QString::number(bProgram));
     h.Program().Modified = true;

@@ -48,8 +48,8 @@ TEST(Startup, AFirstStartInAnEmptyFolderCreatesTheDatabasesAndReachesTheReadySta
     ASSERT_TRUE(run.Start());
     for (const QString& name : DeliveredFileNames())
         EXPECT_TRUE(QFile::exists(QDir(appFolder).filePath(name))) << name.toStdString();
-    EXPECT_EQ(run.shell.shell.ToolbarMode(), 1);
-    EXPECT_EQ(run.shell.shell.MenuMode(), 2);
+    EXPECT_EQ(run.shell.shell.ToolbarMode(), ToolbarMode::PatientOnly);
+    EXPECT_EQ(run.shell.shell.MenuMode(), MenuMode::All);
     EXPECT_EQ(run.shell.title.title, "TVX Regimenter"); // the title is not set during start-up
     EXPECT_EQ(run.shell.ToolbarOn(), QStringList({"Patient", "Programs", "Help"}));
     EXPECT_EQ(run.shell.MenuOn(), Shell::RestrictedMenuKeys());
@@ -102,7 +102,7 @@ TEST(Startup, ASecondCopyEndsAtOnceWithoutAWord) {
     EXPECT_EQ(run.host.calls, QStringList({"instance"}));
     EXPECT_TRUE(run.prompter.boxes.empty());
     EXPECT_FALSE(run.state.Dbs.IsOpen());
-    EXPECT_EQ(run.shell.shell.ToolbarMode(), 0);
+    EXPECT_EQ(run.shell.shell.ToolbarMode(), ToolbarMode::HelpOnly);
 }
 
 TEST(Startup, APreviousDatabaseIsReportedAndStartUpGoesOn) {
@@ -119,7 +119,7 @@ TEST(Startup, APreviousDatabaseIsReportedAndStartUpGoesOn) {
               "You have a previous version of the TVX Database.\n"
               "Run the Tarvex Database Ugrade program to import your data.");
     EXPECT_EQ(run.prompter.boxes[0].style, msg::Information);
-    EXPECT_EQ(run.shell.shell.MenuMode(), 2);
+    EXPECT_EQ(run.shell.shell.MenuMode(), MenuMode::All);
 }
 
 TEST(Startup, AMissingDatabaseEndsTheRunWithAFault) {

@@ -65,7 +65,7 @@ void CloseBy(QDialog* dialog, Way way) {
 
 // The commands of normal work with no patient: toolbar 1, menu 2.
 void ExpectNoPatientCommands(Window& w) {
-    EXPECT_EQ(w.window.ShellLogic().ToolbarMode(), 1);
+    EXPECT_EQ(w.window.ShellLogic().ToolbarMode(), ToolbarMode::PatientOnly);
     EXPECT_TRUE(w.window.ToolbarCommands().Action("Patient")->isEnabled());
     EXPECT_TRUE(w.window.ToolbarCommands().Action("Programs")->isEnabled());
     EXPECT_FALSE(w.window.ToolbarCommands().Action("Exercises")->isEnabled());
@@ -162,7 +162,7 @@ TEST(DialogUnload, TheClinicDialogGivesBackTheToolbarOfAPatient) {
         EXPECT_FALSE(w.window.ToolbarCommands().Action("Exercises")->isEnabled());
         CloseBy(dialog, way);
         EXPECT_TRUE(dialog.isNull());
-        EXPECT_EQ(w.window.ShellLogic().ToolbarMode(), 2) << WayName(way);
+        EXPECT_EQ(w.window.ShellLogic().ToolbarMode(), ToolbarMode::All) << WayName(way);
         EXPECT_TRUE(w.window.ToolbarCommands().Action("Exercises")->isEnabled());
         EXPECT_TRUE(w.window.MenuCommands().Action("mnuTools")->isEnabled());
     }
@@ -177,7 +177,7 @@ TEST(DialogUnload, TheVideoOrderGoesByEveryWayAndStoresNothing) {
         ASSERT_FALSE(dialog.isNull());
         CloseBy(dialog, way);
         EXPECT_TRUE(dialog.isNull()) << WayName(way);
-        EXPECT_EQ(w.window.ShellLogic().ToolbarMode(), 2);
+        EXPECT_EQ(w.window.ShellLogic().ToolbarMode(), ToolbarMode::All);
         EXPECT_TRUE(w.window.MenuCommands().Action("mnuDatabase")->isEnabled());
         QSqlQuery count = OpenQuery(w.state.Dbs.ProgramDb, "SELECT COUNT(*) FROM Invoice");
         ASSERT_TRUE(count.next());
@@ -200,7 +200,7 @@ TEST(DialogUnload, TheVideoOrderSavesOnceOnOkAndGoes) {
     QSqlQuery count = OpenQuery(w.state.Dbs.ProgramDb, "SELECT COUNT(*) FROM Invoice");
     ASSERT_TRUE(count.next());
     EXPECT_EQ(count.value(0).toInt(), 1);
-    EXPECT_EQ(w.window.ShellLogic().ToolbarMode(), 2);
+    EXPECT_EQ(w.window.ShellLogic().ToolbarMode(), ToolbarMode::All);
     EXPECT_TRUE(w.window.MenuCommands().Action("mnuDatabase")->isEnabled());
 }
 

@@ -72,7 +72,7 @@ TEST(ClinicDialog, ScreenshotAndControls) {
     OpenDatabases(folder.state);
     folder.state.SiteNumber = 1000;
     tarvex::testing::ShellHarness shell(folder.state);
-    shell.shell.UpdateToolbar(1);
+    shell.shell.UpdateToolbar(ToolbarMode::PatientOnly);
     auto* dialog = new ClinicDialog(folder.state, shell.shell);
     EXPECT_EQ(dialog->windowTitle(), "Clinic Information");
     EXPECT_FALSE(dialog->SiteNumBox->isEnabled());
@@ -82,7 +82,7 @@ TEST(ClinicDialog, ScreenshotAndControls) {
     EXPECT_EQ(dialog->txtCardNum->maxLength(), 20);
     EXPECT_EQ(dialog->txtNameOnCard->maxLength(), 30);
     EXPECT_EQ(dialog->cboPayMethod->currentText(), "VISA");
-    EXPECT_EQ(shell.shell.ToolbarMode(), 0);
+    EXPECT_EQ(shell.shell.ToolbarMode(), ToolbarMode::HelpOnly);
 
     dialog->show();
     dialog->txtName->setText("Riverside Physical Therapy");
@@ -102,6 +102,6 @@ TEST(ClinicDialog, ScreenshotAndControls) {
     dialog->cmdOK->click();
     EXPECT_EQ(folder.state.Clinic.Name, "Riverside Physical Therapy");
     EXPECT_EQ(folder.state.Clinic.PayMethod, "Purchase Order");
-    EXPECT_EQ(shell.shell.ToolbarMode(), 1);
-    EXPECT_EQ(shell.shell.MenuMode(), 2);
+    EXPECT_EQ(shell.shell.ToolbarMode(), ToolbarMode::PatientOnly);
+    EXPECT_EQ(shell.shell.MenuMode(), MenuMode::All);
 }

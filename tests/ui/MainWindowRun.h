@@ -43,7 +43,7 @@ struct MainWindowRun {
         for (int i = 0; i < exercises; ++i)
             p.Exercise(i) = state.Library.Entries[static_cast<size_t>(i) % count];
         p.NumExercises = static_cast<int16_t>(exercises);
-        window.ShellLogic().UpdateToolbar(2);
+        window.ShellLogic().UpdateToolbar(ToolbarMode::All);
     }
 
     // Sends what the printer prints to a PDF file of the run, and reads its text back.

@@ -50,8 +50,8 @@ TEST(WorkspaceWindow, IsLoadedHiddenAtStartAndOpensFromTheToolbar) {
     EXPECT_TRUE(r.W().isVisible());
     EXPECT_EQ(r.W().windowTitle(), "Select Exercises");
     EXPECT_EQ(r.state.WorkspaceMode, WorkspacePurpose::Program);
-    EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), 3);
-    EXPECT_EQ(r.window.ShellLogic().MenuMode(), 1);
+    EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), ToolbarMode::PrintOnly);
+    EXPECT_EQ(r.window.ShellLogic().MenuMode(), MenuMode::PrintOnly);
     EXPECT_EQ(r.W().ViewList(0)->item(0)->text(), "(All)");
     EXPECT_TRUE(r.W().ViewList(0)->item(0)->isSelected());
     EXPECT_GT(r.W().ViewList(1)->count(), 1);
@@ -95,7 +95,7 @@ TEST(WorkspaceWindow, DropsAndClicksOnTheRealPanesBuildTheProgramAndOkSavesIt) {
 
     r.W().Button("cmdOK")->click();
     EXPECT_FALSE(r.W().isVisible());
-    EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), 2);
+    EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), ToolbarMode::All);
     ASSERT_TRUE(r.state.Program.InvoiceID.has_value());
     QSqlQuery q = OpenQuery(r.state.Dbs.ProgramDb, "SELECT COUNT(*) FROM Exercise");
     ASSERT_TRUE(q.next());
@@ -124,7 +124,7 @@ TEST(WorkspaceWindow, CancelReadsTheStoredProgramBack) {
     r.W().Button("cmdCancel")->click();
     EXPECT_EQ(r.state.Program.NumExercises, 0);
     EXPECT_FALSE(r.W().isVisible());
-    EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), 2);
+    EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), ToolbarMode::All);
 }
 
 TEST(WorkspaceWindow, ShowAllFoldsTheLibraryAwayAndBack) {
@@ -151,15 +151,15 @@ TEST(WorkspaceWindow, ADeletedCurrentProgramEndsTheVisitWithItsErrorAndTheWindow
     ASSERT_TRUE(r.state.Program.InvoiceID.has_value());
     Execute(r.state.Dbs.ProgramDb, QStringLiteral("DELETE * FROM Invoice WHERE InvoiceID = %1")
                                        .arg(*r.state.Program.InvoiceID));
-    EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), 2);
+    EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), ToolbarMode::All);
 
     r.window.ToolbarCommands().Action("Exercises")->trigger();
     Application::SetFaultReporter({});
     ASSERT_EQ(reported.size(), 1);
     EXPECT_TRUE(reported.first().contains("no longer exists")) << reported.first().toStdString();
     EXPECT_FALSE(r.W().isVisible());
-    EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), 2);
-    EXPECT_EQ(r.window.ShellLogic().MenuMode(), 2);
+    EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), ToolbarMode::All);
+    EXPECT_EQ(r.window.ShellLogic().MenuMode(), MenuMode::All);
     EXPECT_TRUE(r.window.MenuCommands().Action("mnuDatabase")->isEnabled());
     EXPECT_TRUE(r.window.ToolbarCommands().Action("Patient")->isEnabled());
     EXPECT_EQ(r.state.WorkspaceMode, WorkspacePurpose::None);
