@@ -214,3 +214,56 @@ TEST(PrintTool, HelpListsTheJobs) {
     EXPECT_EQ(code, 0);
     EXPECT_TRUE(help.contains("ex2") && help.contains("record") && help.contains("cover"));
 }
+
+namespace {
+
+// How many printed lines an instruction line takes when the sheet's own routine wraps it
+// in a column of the given width, in Liberation Sans ("Arial") at the sheets' 11 points.
+int WrappedLineCount(PainterSurface& surface, const QString& text, double width) {
+    surface.SetFontName(QStringLiteral("Arial"));
+    surface.SetFontSize(11);
+    surface.SetFontBold(false);
+    const double step = surface.TextHeight(QStringLiteral("X"));
+    surface.SetCurrentY(1440);
+    PrintWrappedText(surface, text, 720, width);
+    return static_cast<int>(std::lround((surface.CurrentY() - 1440) / step)) + 1;
+}
+
+} // namespace
+
+TEST(DeliveredInstructions, EveryLineFitsTheTwoLinesOfBothSheetLayouts) {
+    tarvex::testing::TestFolder folder;
+    OpenDatabases(folder.state);
+    QTemporaryDir dir;
+    QPdfWriter writer(dir.filePath("measure.pdf"));
+    writer.setResolution(1200);
+    PainterSurface surface(writer);
+    QSqlQuery rows =
+        OpenQuery(folder.state.Dbs.LibraryDb, "SELECT ExerciseID, Instruct0, Instruct1, Instruct2 "
+                                              "FROM ExerciseLibrary ORDER BY ExerciseID");
+    int lines = 0;
+    QStringList tooLong;
+    while (rows.next()) {
+        for (int view = 1; view <= 3; ++view) {
+            const QString text = rows.value(view).toString();
+            if (text.isEmpty())
+                continue;
+            ++lines;
+            // Four a page: 2-inch columns; two a page: 3-inch columns.
+            for (const double inches : {2.0, 3.0}) {
+                const int count = WrappedLineCount(surface, text, inches * 1440);
+                if (count > 2)
+                    tooLong << QStringLiteral("%1/%2 at %3 in: %4 lines: %5")
+                                   .arg(rows.value(0).toInt())
+                                   .arg(view - 1)
+                                   .arg(inches)
+                                   .arg(count)
+                                   .arg(text);
+            }
+        }
+    }
+    surface.EndDoc();
+    EXPECT_GT(lines, 400);
+    EXPECT_TRUE(tooLong.isEmpty()) << tooLong.size() << " lines need more than two:\n"
+                                   << tooLong.join('\n').toStdString();
+}
