@@ -2,8 +2,6 @@
 
 #include "ui/ScreenFit.h"
 
-#include <QTimer>
-
 #include "ui/Guarded.h"
 
 namespace tarvex {
@@ -35,11 +33,7 @@ void FormDialog::done(int result) {
 void FormDialog::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     // Every dialog lies on the screen, frame and all, once the window manager has framed it.
-    KeepOnScreen(this);
-    QTimer::singleShot(250, this, [this] {
-        if (isVisible())
-            KeepOnScreen(this);
-    });
+    KeepOnScreenAfterShow(this);
 }
 
 } // namespace tarvex

@@ -47,11 +47,6 @@ private:
     int index_;
 };
 
-constexpr int kFrameInset = PreviewLogic::kFrameInset;
-constexpr int kWidthAllowance = PreviewLogic::kWidthAllowance;
-constexpr int kHeightAllowance = PreviewLogic::kHeightAllowance;
-constexpr int kScrollBarRoom = PreviewLogic::kScrollBarRoom;
-
 struct ToolButton {
     const char* key;
     const char* tip;
@@ -151,7 +146,7 @@ PrintPreviewDialog::PrintPreviewDialog(AppState& state, QPrinter& printer,
     printerSurface_ = std::make_unique<PrinterSurface>(printer_);
     logic_ = std::make_unique<PreviewLogic>(state, *printerSurface_, twipsPerPixel);
     // The bars fill the room the page area leaves for them, so no page shows beside them.
-    logic_->SetScrollBarThickness(kScrollBarRoom);
+    logic_->SetScrollBarThickness(PreviewLogic::kScrollBarRoom);
     logic_->Changed = [this] { Sync(); };
 
     const QSize screenSize = screen() ? screen()->availableGeometry().size() : QSize(1024, 768);
@@ -186,10 +181,10 @@ void PrintPreviewDialog::resizeEvent(QResizeEvent* event) {
     // and the borders; give it the size whose page area is the room this window has between
     // its toolbar and status bar.
     const double p = logic_->TwipsPerPixel();
-    const int roomWidth = std::max(0, width() - 2 * Pixels(kFrameInset));
+    const int roomWidth = std::max(0, width() - 2 * Pixels(PreviewLogic::kFrameInset));
     const int roomHeight = std::max(0, height() - toolbarHeight - statusHeight);
-    logic_->Resize(static_cast<int>(std::lround(roomWidth * p)) + kWidthAllowance,
-                   static_cast<int>(std::lround(roomHeight * p)) + kHeightAllowance);
+    logic_->Resize(static_cast<int>(std::lround(roomWidth * p)) + PreviewLogic::kWidthAllowance,
+                   static_cast<int>(std::lround(roomHeight * p)) + PreviewLogic::kHeightAllowance);
 }
 
 void PrintPreviewDialog::Sync() {
@@ -198,7 +193,7 @@ void PrintPreviewDialog::Sync() {
     syncing_ = true;
     const PreviewLogic& logic = *logic_;
     const int toolbarHeight = Toolbar1->sizeHint().height();
-    OuterFrame->setGeometry(Pixels(kFrameInset), toolbarHeight,
+    OuterFrame->setGeometry(Pixels(PreviewLogic::kFrameInset), toolbarHeight,
                             std::max(0, Pixels(logic.FrameWidth())),
                             std::max(0, Pixels(logic.FrameHeight())));
     while (static_cast<int>(pages_.size()) < logic.PageCount()) {

@@ -35,13 +35,8 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (watched == window_ && event->type() == QEvent::Show) {
-            KeepOnScreen(window_);
-            QTimer::singleShot(250, this, [this] {
-                if (window_ && window_->isVisible())
-                    KeepOnScreen(window_);
-            });
-        }
+        if (watched == window_ && event->type() == QEvent::Show)
+            KeepOnScreenAfterShow(window_);
         return false;
     }
 
@@ -68,6 +63,14 @@ void KeepOnScreen(QWidget* window) {
     const QRect client = QRect(window->geometry().topLeft(), size).translated(dx, dy);
     if (client != window->geometry())
         window->setGeometry(client);
+}
+
+void KeepOnScreenAfterShow(QWidget* window) {
+    KeepOnScreen(window);
+    QTimer::singleShot(250, window, [window] {
+        if (window->isVisible())
+            KeepOnScreen(window);
+    });
 }
 
 void KeepOnScreenWhenShown(QWidget* window) {

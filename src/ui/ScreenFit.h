@@ -10,8 +10,11 @@ namespace tarvex {
 // manager has framed the window only its inside is kept on the screen.
 void KeepOnScreen(QWidget* window);
 
-// Runs KeepOnScreen each time the window is shown, and once more when the window manager
-// has had time to frame it.
+// For a window that has just been shown: KeepOnScreen now, and once more when the window
+// manager has had time to frame it.
+void KeepOnScreenAfterShow(QWidget* window);
+
+// Runs KeepOnScreenAfterShow each time the window is shown.
 void KeepOnScreenWhenShown(QWidget* window);
 
 } // namespace tarvex

@@ -22,6 +22,7 @@ using namespace tarvex;
 namespace {
 
 using Window = tarvex::testing::MainWindowRun;
+using tarvex::testing::Opened;
 
 enum class Way { CancelButton, Escape, CloseBox };
 
@@ -78,14 +79,6 @@ struct Opener {
     bool restricts; // the toolbar is cut down while the dialog is open
     std::function<QDialog*(Window&)> open;
 };
-
-template <typename D> D* Opened(Window& w) {
-    D* dialog = nullptr;
-    for (D* d : w.window.findChildren<D*>())
-        if (d->isVisible() || !dialog)
-            dialog = d;
-    return dialog;
-}
 
 const Opener kOpeners[] = {
     {"ClinicInfo", true,

@@ -65,4 +65,13 @@ struct MainWindowRun {
     MainWindow window;
 };
 
+// The dialog of type D that a command of the run opened: the one shown, else the newest.
+template <typename D> D* Opened(MainWindowRun& run) {
+    D* dialog = nullptr;
+    for (D* d : run.window.findChildren<D*>())
+        if (d->isVisible() || !dialog)
+            dialog = d;
+    return dialog;
+}
+
 } // namespace tarvex::testing

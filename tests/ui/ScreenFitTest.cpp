@@ -36,6 +36,7 @@ using namespace tarvex;
 namespace {
 
 using Window = tarvex::testing::MainWindowRun;
+using tarvex::testing::Opened;
 
 QString ScreenName() {
     const QSize size = QGuiApplication::primaryScreen()->size();
@@ -83,14 +84,6 @@ void ExpectFits(QWidget* window, const QString& name) {
     }
     EXPECT_GT(controls, 0) << name.toStdString();
     SaveScreen(name);
-}
-
-template <typename D> D* Opened(Window& w) {
-    D* dialog = nullptr;
-    for (D* d : w.window.findChildren<D*>())
-        if (d->isVisible() || !dialog)
-            dialog = d;
-    return dialog;
 }
 
 class ScreenFit : public ::testing::Test {
