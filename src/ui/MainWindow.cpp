@@ -5,6 +5,7 @@
 #include "shell/AppFolder.h"
 #include "shell/AppState.h"
 #include "shell/SingleInstance.h"
+#include "support/Fault.h"
 #include "ui/ClinicDialog.h"
 #include "ui/Guarded.h"
 #include "ui/ItemsDialog.h"
@@ -352,7 +353,14 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 bool MainWindow::AnotherInstanceRunning() {
-    return !lock_.TryLock();
+    const InstanceClaim claim = lock_.Claim();
+    if (claim == InstanceClaim::Claimed)
+        return false;
+    if (claim == InstanceClaim::HeldHere)
+        return true;
+    // A lock of another computer or a folder that takes no lock: the start ends with a box
+    // that says which folder and what to do.
+    throw Fault(lock_.ProblemText(claim));
 }
 
 void MainWindow::ShowSplash() {

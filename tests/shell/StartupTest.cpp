@@ -6,7 +6,6 @@
 #include "program/ProgramStore.h"
 #include "shell/AppFolder.h"
 #include "shell/ShellHarness.h"
-#include "shell/SingleInstance.h"
 #include "support/Fault.h"
 #include "support/TestFolder.h"
 
@@ -159,15 +158,6 @@ TEST(Unload, ARunThatEndsAbnormallyLosesTheChangedOptions) {
     ASSERT_TRUE(run.Start());
     run.state.Prefs.PrintCallTVX = true; // changed in the dialog; the run then dies
     EXPECT_FALSE(run.store.values.contains("Options/PrintCallTVX"));
-}
-
-TEST(SingleInstanceLock, TheSecondHolderIsRefused) {
-    QTemporaryDir dir;
-    SingleInstanceLock first(dir.filePath("tarvex.lock"));
-    SingleInstanceLock second(dir.filePath("tarvex.lock"));
-    EXPECT_TRUE(first.TryLock());
-    EXPECT_TRUE(first.TryLock());
-    EXPECT_FALSE(second.TryLock());
 }
 
 TEST(PrepareAppFolder, NeverOverwritesAFileThatIsThere) {

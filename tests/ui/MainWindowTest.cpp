@@ -1,9 +1,11 @@
 #include "ui/MainWindow.h"
 #include "fakes/FakeSettingsStore.h"
 #include "shell/SingleInstance.h"
+#include "support/Fault.h"
 #include "support/TestFolder.h"
 
 #include <QDir>
+#include <QFile>
 #include <QMenuBar>
 #include <QScreen>
 #include <QStatusBar>
@@ -56,6 +58,24 @@ TEST(MainWindow, StartsInTheReadyState) {
     w.window.close();
     EXPECT_EQ(w.store.values["Options/ShowTips"], "False"); // a quit writes the options
     EXPECT_FALSE(w.state.Dbs.IsOpen());
+}
+
+TEST(MainWindow, ALockOfAnotherComputerEndsTheStartWithABoxNotInSilence) {
+    Window w;
+    QFile lock(w.dir.filePath("tarvex.lock"));
+    ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+    lock.write("4242\ntarvex\ntreatment-room-2\n");
+    lock.close();
+    try {
+        w.window.Start();
+        ADD_FAILURE() << "the start went on";
+    } catch (const Fault& fault) {
+        EXPECT_TRUE(fault.Message().contains(QDir::toNativeSeparators(w.dir.path())))
+            << fault.Message().toStdString();
+        EXPECT_TRUE(fault.Message().contains("treatment-room-2")) << fault.Message().toStdString();
+    }
+    EXPECT_FALSE(w.window.isVisible());
+    EXPECT_FALSE(QFile::exists(w.dir.filePath("data/Tarvex.MDB")));
 }
 
 TEST(MainWindow, ToolbarKeysCaptionsAndTips) {
