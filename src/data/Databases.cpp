@@ -1,5 +1,6 @@
 #include "data/Databases.h"
 
+#include "data/DatabaseCheck.h"
 #include "data/Schema.h"
 #include "data/Upgrade.h"
 #include "shell/AppFolder.h"
@@ -57,6 +58,12 @@ void DatabaseSession::OpenAll(const QString& appFolder) {
     ProgramPath = FindFileNoCase(appFolder, QLatin1String(kProgramDbFile));
     LibraryPath = FindFileNoCase(appFolder, libraryName);
     PicklistPath = FindFileNoCase(appFolder, QLatin1String(kPicklistDbFile));
+
+    // Each file is looked at, read-only, before anything writes to it: a damaged or foreign
+    // file is named and left as it is.
+    CheckDatabaseFile(ProgramPath, QStringLiteral("Patient"));
+    CheckDatabaseFile(LibraryPath, QStringLiteral("ExerciseLibrary"));
+    CheckDatabaseFile(PicklistPath, QStringLiteral("Label"));
 
     // The databases are brought to the present version before anything is opened on them.
     UpgradeDatabases(ProgramPath, LibraryPath, PicklistPath);

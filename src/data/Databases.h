@@ -19,9 +19,10 @@ public:
     DatabaseSession(const DatabaseSession&) = delete;
     DatabaseSession& operator=(const DatabaseSession&) = delete;
 
-    // Brings the three files of the folder up to date and opens them, with a fresh,
-    // unfiltered library view. A missing or unreadable file is a DatabaseFault; nothing
-    // is created, and nothing stays open after a failure.
+    // Checks the three files of the folder (read-only: a missing, damaged, foreign or
+    // read-only file is a DatabaseFault that names it), brings them up to date and opens
+    // them, with a fresh, unfiltered library view. Nothing is created, and nothing stays
+    // open after a failure.
     void OpenAll(const QString& appFolder);
     // Closes "Tarvex.MDB", "Picklist.MDB" and "Exercise Library.MDB", in that order.
     void CloseAll();
