@@ -6,6 +6,9 @@
 
 namespace tarvex {
 
+FormDialog::FormDialog(QWidget* parent, Qt::WindowFlags flags)
+    : QDialog(parent, flags), restoreCommands_(CaptureCommandState()) {}
+
 void FormDialog::EndByButton(int result) {
     endedByButton_ = true;
     done(result);
@@ -15,7 +18,8 @@ void FormDialog::EnsureUnloaded() {
     if (unloaded_)
         return;
     unloaded_ = true;
-    RunGuarded([this] { Unload(); });
+    if (!RunGuarded([this] { Unload(); }) && restoreCommands_)
+        restoreCommands_();
 }
 
 void FormDialog::done(int result) {
@@ -23,9 +27,10 @@ void FormDialog::done(int result) {
         unloaded_ = true;
         // A fault in the Cancel or the unload is reported; the window still goes, so that
         // it can never be left half closed.
-        if (!endedByButton_)
-            RunGuarded([this] { CancelByFrame(); });
-        RunGuarded([this] { Unload(); });
+        bool whole = endedByButton_ || RunGuarded([this] { CancelByFrame(); });
+        whole = RunGuarded([this] { Unload(); }) && whole;
+        if (!whole && restoreCommands_)
+            restoreCommands_();
     }
     QDialog::done(result);
 }

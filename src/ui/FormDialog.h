@@ -12,7 +12,7 @@ namespace tarvex {
 class FormDialog : public QDialog {
     Q_OBJECT
 public:
-    using QDialog::QDialog;
+    explicit FormDialog(QWidget* parent = nullptr, Qt::WindowFlags flags = {});
 
     void done(int result) override;
 
@@ -33,6 +33,9 @@ protected:
     void EnsureUnloaded();
 
 private:
+    // The toolbar and menu as they were before the form opened: what a fault in its
+    // Cancel or unload gives back, since the unload that would have did not finish.
+    std::function<void()> restoreCommands_;
     bool endedByButton_ = false;
     bool unloaded_ = false;
 };

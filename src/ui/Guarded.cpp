@@ -5,7 +5,25 @@
 
 namespace tarvex {
 
+namespace {
+
+std::function<CommandStateRestorer()>& Capture() {
+    static std::function<CommandStateRestorer()> capture;
+    return capture;
+}
+
+} // namespace
+
+void SetCommandStateCapture(std::function<CommandStateRestorer()> capture) {
+    Capture() = std::move(capture);
+}
+
+CommandStateRestorer CaptureCommandState() {
+    return Capture() ? Capture()() : CommandStateRestorer();
+}
+
 bool RunGuarded(const std::function<void()>& operation) {
+    const CommandStateRestorer restoreCommands = CaptureCommandState();
     QString report;
     try {
         operation();
@@ -18,6 +36,10 @@ bool RunGuarded(const std::function<void()>& operation) {
     // The operation is over: a wait cursor it put up must not outlive it.
     while (QApplication::overrideCursor())
         QApplication::restoreOverrideCursor();
+    // Nor may the commands it took away stay away: whatever it did to the toolbar and the
+    // menu before the fault is undone.
+    if (restoreCommands)
+        restoreCommands();
     Application::ReportFault(report);
     return false;
 }

@@ -27,6 +27,7 @@
 #include <QMdiArea>
 #include <QMenuBar>
 #include <QPageSize>
+#include <QPointer>
 #include <QPrintDialog>
 #include <QPrinterInfo>
 #include <QProcess>
@@ -79,9 +80,24 @@ MainWindow::MainWindow(AppState& state, ISettingsStore& store, SingleInstanceLoc
     printer_.setPageSize(QPageSize(QPageSize::Letter));
     resize(1024, 720);
     KeepOnScreenWhenShown(this);
+    // A command that a fault ends gives the toolbar and the menu back as they were.
+    SetCommandStateCapture([window = QPointer<MainWindow>(this)]() -> CommandStateRestorer {
+        if (!window)
+            return {};
+        const ToolbarMode toolbar = window->shell_->ToolbarMode();
+        const MenuMode menu = window->shell_->MenuMode();
+        return [window, toolbar, menu] {
+            if (!window)
+                return;
+            window->shell_->UpdateToolbar(toolbar);
+            window->shell_->UpdateMenu(menu);
+        };
+    });
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow() {
+    SetCommandStateCapture({});
+}
 
 void MainWindow::BuildToolbar() {
     QToolBar* bar = addToolBar(QStringLiteral("Toolbar1"));
