@@ -100,6 +100,22 @@ void ProgramStore::WriteRows() {
 }
 
 void ProgramStore::LoadProgram(std::optional<int32_t> invoiceID) {
+    // A load that fails part way leaves the program as it was: rows read before the fault
+    // must never reach a later save as part of another program.
+    const ExerciseProgram before = state_.Program;
+    const QString status = shell_.LastStatus();
+    try {
+        ReadProgram(invoiceID);
+    } catch (...) {
+        state_.Program = before;
+        shell_.UpdateCaption();
+        if (!status.isEmpty())
+            shell_.SetStatusBar(status);
+        throw;
+    }
+}
+
+void ProgramStore::ReadProgram(std::optional<int32_t> invoiceID) {
     ExerciseProgram& p = state_.Program;
     QSqlDatabase& db = state_.Dbs.ProgramDb;
     p.Modified = false;

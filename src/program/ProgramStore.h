@@ -23,10 +23,12 @@ public:
 
     // Loads a stored program into memory: the given one (its patient becomes current), or
     // with null the latest of the current patient. A patient without programs gets the
-    // defaults from the clinic's record. The order lines are never read back.
+    // defaults from the clinic's record. The order lines are never read back. A load that
+    // fails leaves the program in memory, the caption and the status line as they were.
     void LoadProgram(std::optional<int32_t> invoiceID);
 
 private:
+    void ReadProgram(std::optional<int32_t> invoiceID);
     void WriteRows();
     void ReadExercises(int32_t invoiceID);
     void FillDefaults();

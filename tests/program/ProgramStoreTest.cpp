@@ -277,6 +277,55 @@ TEST(LoadProgram, MoreThanTwentyRowsIsABoundsFault) {
     EXPECT_THROW(h.store.LoadProgram(h.Program().InvoiceID), BoundsFault);
 }
 
+TEST(LoadProgram, AFailurePartWayLeavesTheProgramAsItWasAndTheNextSaveStoresOnlyIt) {
+    ProgramHarness h;
+    const int32_t other = h.AddPatient("Other");
+    h.Choose(other, "Other, Ann");
+    h.FillExercises(3);
+    h.store.SaveProgram(false);
+    const int32_t damaged = *h.Program().InvoiceID;
+    // Its second row lost a required value: the load reads the first, then fails.
+    Execute(h.Db(), QStringLiteral("UPDATE Exercise SET Hold = NULL WHERE InvoiceID = %1 AND "
+                                   "RankOnTape = 1")
+                        .arg(damaged));
+
+    const int32_t mine = h.AddPatient("Mine");
+    h.Choose(mine, "Mine, Bo");
+    h.FillExercises(5);
+    h.Program().Exercise(0).Reps = 12;
+    h.store.SaveProgram(false);
+    h.Program().Exercise(1).Reps = 7;
+    h.Program().Modified = true;
+    const ExerciseProgram before = h.Program();
+    h.shell.shell.UpdateCaption();
+    const QString title = h.shell.title.title;
+
+    EXPECT_THROW(h.store.LoadProgram(damaged), Fault);
+    EXPECT_EQ(h.Program().PatientID, before.PatientID);
+    EXPECT_EQ(h.Program().FullName, before.FullName);
+    EXPECT_EQ(h.Program().InvoiceID, before.InvoiceID);
+    EXPECT_EQ(h.Program().Modified, true);
+    EXPECT_EQ(h.Program().NumExercises, 5);
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(h.Program().Exercise(i), before.Exercise(i)) << i;
+    EXPECT_EQ(h.shell.title.title, title);
+
+    // The next save stores this patient's program alone, and the damaged one is untouched.
+    h.store.SaveProgram(false);
+    EXPECT_EQ(h.Count(QStringLiteral("SELECT COUNT(*) FROM Exercise WHERE InvoiceID = %1")
+                          .arg(*h.Program().InvoiceID)),
+              5);
+    EXPECT_EQ(
+        h.Count(QStringLiteral("SELECT COUNT(*) FROM Invoice WHERE PatientID = %1").arg(mine)), 1);
+    EXPECT_EQ(h.Count(QStringLiteral("SELECT COUNT(*) FROM Exercise WHERE InvoiceID = %1 AND "
+                                     "Reps = 7 AND RankOnTape = 1")
+                          .arg(*h.Program().InvoiceID)),
+              1);
+    EXPECT_EQ(
+        h.Count(QStringLiteral("SELECT COUNT(*) FROM Exercise WHERE InvoiceID = %1").arg(damaged)),
+        3);
+}
+
 TEST(LoadProgram, OnlyTheOrderOfRankOnTapeCounts) {
     ProgramHarness h;
     h.Choose(h.AddPatient("Ng"), "Ng, Ann");
