@@ -19,11 +19,18 @@ double RequiredNumber(const QVariant& value, const char* column) {
     bool ok = false;
     const double number = value.toDouble(&ok);
     if (!ok)
-        throw TypeFault(QStringLiteral("Type mismatch (column %1)").arg(QLatin1String(column)));
+        throw TypeFault(QStringLiteral("Type mismatch (column %1, value %2)")
+                            .arg(QLatin1String(column), DescribeValue(value)));
     return number;
 }
 
 } // namespace
+
+QString DescribeValue(const QVariant& value) {
+    if (value.isNull())
+        return QStringLiteral("Null");
+    return QStringLiteral("\"%1\"").arg(value.toString().left(40));
+}
 
 QString NullToText(const QVariant& value) {
     return value.isNull() ? QString() : value.toString();

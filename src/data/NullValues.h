@@ -9,6 +9,9 @@ namespace tarvex {
 
 // How a nullable column value comes into memory.
 
+// A column's value as a report shows it: Null, or the text in quotes (cut at 40).
+QString DescribeValue(const QVariant& value);
+
 // The value as text; a null gives the empty text.
 QString NullToText(const QVariant& value);
 

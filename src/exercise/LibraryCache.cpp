@@ -5,6 +5,7 @@
 #include "support/Fault.h"
 #include "support/Numbers.h"
 
+#include <QDir>
 #include <QSqlRecord>
 
 namespace tarvex {
@@ -30,7 +31,7 @@ void LoadLibraryCache(AppState& state) {
         throw DatabaseFault(QStringLiteral("No current record: the exercise library is empty."));
     SizeCache(cache, count);
     QSqlQuery rows = state.Dbs.Library.OpenSnapshot();
-    ReadLibraryRows(rows, cache);
+    ReadLibraryRows(rows, cache, state.Dbs.LibraryPath);
 }
 
 void ReloadChoices(AppState& state) {
@@ -42,10 +43,10 @@ void ReloadChoices(AppState& state) {
         return;
     SizeCache(cache, count);
     QSqlQuery rows = state.Dbs.Library.OpenSnapshot();
-    ReadLibraryRows(rows, cache);
+    ReadLibraryRows(rows, cache, state.Dbs.LibraryPath);
 }
 
-void ReadLibraryRows(QSqlQuery& rows, LibraryCache& cache) {
+void ReadLibraryRows(QSqlQuery& rows, LibraryCache& cache, const QString& source) {
     const QSqlRecord record = rows.record();
     const auto column = [&record](const char* name) {
         const int index = record.indexOf(QLatin1String(name));
@@ -68,28 +69,36 @@ void ReadLibraryRows(QSqlQuery& rows, LibraryCache& cache) {
         if (static_cast<size_t>(i) >= cache.Entries.size())
             throw BoundsFault(QStringLiteral("Subscript out of range (%1)").arg(i));
         ExerciseEntry& e = cache.Entries[static_cast<size_t>(i)];
-        e.ExerciseID = RequiredInt32(rows.value(cId), "ExerciseID");
-        e.Code = RequiredText(rows.value(cCode), "code");
-        e.Desc = NullToText(rows.value(cDesc));
-        e.AbbrevDesc = NullToText(rows.value(cAbbrev));
-        e.Reps = RequiredInt16(rows.value(cReps), "Reps");
-        e.Hold = RequiredInt16(rows.value(cHold), "Hold");
-        e.Sets = RequiredInt16(rows.value(cSets), "Sets");
-        e.Joint = NullToText(rows.value(cJoint));
-        e.Motion = NullToText(rows.value(cMotion));
-        e.Type = NullToText(rows.value(cType));
-        e.Movie = NullToText(rows.value(cMovie));
-        e.Icon = NullToText(rows.value(cIcon));
-        e.Picture0 = NullToText(rows.value(cPic0));
-        e.Picture1 = NullToText(rows.value(cPic1));
-        e.Picture2 = NullToText(rows.value(cPic2));
-        e.Instruct0 = NullToText(rows.value(cIns0));
-        e.Instruct1 = NullToText(rows.value(cIns1));
-        e.Instruct2 = NullToText(rows.value(cIns2));
-        e.HasVideo = RequiredBool(rows.value(cHasVideo), "HasVideo");
-        e.VideoReps = NullToInt(rows.value(cVReps));
-        e.VideoHold = NullToInt(rows.value(cVHold));
-        e.VideoSets = NullToInt(rows.value(cVSets));
+        try {
+            e.ExerciseID = RequiredInt32(rows.value(cId), "ExerciseID");
+            e.Code = RequiredText(rows.value(cCode), "code");
+            e.Desc = NullToText(rows.value(cDesc));
+            e.AbbrevDesc = NullToText(rows.value(cAbbrev));
+            e.Reps = RequiredInt16(rows.value(cReps), "Reps");
+            e.Hold = RequiredInt16(rows.value(cHold), "Hold");
+            e.Sets = RequiredInt16(rows.value(cSets), "Sets");
+            e.Joint = NullToText(rows.value(cJoint));
+            e.Motion = NullToText(rows.value(cMotion));
+            e.Type = NullToText(rows.value(cType));
+            e.Movie = NullToText(rows.value(cMovie));
+            e.Icon = NullToText(rows.value(cIcon));
+            e.Picture0 = NullToText(rows.value(cPic0));
+            e.Picture1 = NullToText(rows.value(cPic1));
+            e.Picture2 = NullToText(rows.value(cPic2));
+            e.Instruct0 = NullToText(rows.value(cIns0));
+            e.Instruct1 = NullToText(rows.value(cIns1));
+            e.Instruct2 = NullToText(rows.value(cIns2));
+            e.HasVideo = RequiredBool(rows.value(cHasVideo), "HasVideo");
+            e.VideoReps = NullToInt(rows.value(cVReps));
+            e.VideoHold = NullToInt(rows.value(cVHold));
+            e.VideoSets = NullToInt(rows.value(cVSets));
+        } catch (...) {
+            RethrowAt(QStringLiteral("%1table ExerciseLibrary, the row of ExerciseID %2")
+                          .arg(source.isEmpty() ? QString()
+                                                : QStringLiteral("the database %1, ")
+                                                      .arg(QDir::toNativeSeparators(source)),
+                               DescribeValue(rows.value(cId))));
+        }
         i = ToInt16(i + 1);
     }
 }

@@ -27,7 +27,8 @@ void LoadLibraryCache(AppState& state);
 // it empty.
 void ReloadChoices(AppState& state);
 
-// Fills the sized cache from the first to the last row of the query.
-void ReadLibraryRows(QSqlQuery& rows, LibraryCache& cache);
+// Fills the sized cache from the first to the last row of the query. A fault in a row
+// names the database file (source), the table, the row's ExerciseID and the column.
+void ReadLibraryRows(QSqlQuery& rows, LibraryCache& cache, const QString& source = {});
 
 } // namespace tarvex

@@ -4,6 +4,9 @@
 #include "data/Sql.h"
 #include "shell/AppState.h"
 #include "support/Dates.h"
+#include "support/Fault.h"
+
+#include <QDir>
 
 namespace tarvex {
 
@@ -22,7 +25,11 @@ void ReadClinicRecord(AppState& state) {
     c.BillAddr = NullToText(rows.value(QStringLiteral("BillAddr")));
     c.CardNum = NullToText(rows.value(QStringLiteral("CardNum")));
     c.NameOnCard = NullToText(rows.value(QStringLiteral("NameOnCard")));
-    c.CardDate = CDate(NullToText(rows.value(QStringLiteral("CardDate"))));
+    const QVariant cardDate = rows.value(QStringLiteral("CardDate"));
+    c.CardDate =
+        AtPlace(QStringLiteral("the database %1, table Clinic, column CardDate, value %2")
+                    .arg(QDir::toNativeSeparators(state.Dbs.ProgramPath), DescribeValue(cardDate)),
+                [&] { return CDate(NullToText(cardDate)); });
     c.ShipMethod = QString::number(NullToInt(rows.value(QStringLiteral("ShipMethod"))));
     c.PayMethod = QString::number(NullToInt(rows.value(QStringLiteral("PayMethod"))));
 }

@@ -8,6 +8,7 @@
 #include "support/Fault.h"
 #include "support/Prompter.h"
 
+#include <QDir>
 #include <QSqlQuery>
 #include <QSqlRecord>
 
@@ -186,25 +187,33 @@ void ProgramStore::ReadExercises(int32_t invoiceID) {
     while (rows.next()) {
         // Joint, Motion and Type are not stored with a program: the slot keeps its own.
         ExerciseEntry& e = p.Exercise(p.NumExercises);
-        e.AbbrevDesc = NullToText(rows.value(cAbbrev));
-        e.Desc = NullToText(rows.value(cDesc));
-        e.Icon = NullToText(rows.value(cIcon));
-        e.Movie = NullToText(rows.value(cMovie));
-        e.Instruct0 = NullToText(rows.value(cI0));
-        e.Instruct1 = NullToText(rows.value(cI1));
-        e.Instruct2 = NullToText(rows.value(cI2));
-        e.Picture0 = NullToText(rows.value(cP0));
-        e.Picture1 = NullToText(rows.value(cP1));
-        e.Picture2 = NullToText(rows.value(cP2));
-        e.Code = RequiredText(rows.value(cCode), "code");
-        e.ExerciseID = RequiredInt32(rows.value(cId), "ExerciseID");
-        e.Hold = RequiredInt16(rows.value(cHold), "Hold");
-        e.Reps = RequiredInt16(rows.value(cReps), "Reps");
-        e.Sets = RequiredInt16(rows.value(cSets), "Sets");
-        e.HasVideo = RequiredBool(rows.value(cHasVideo), "HasVideo");
-        e.VideoReps = NullToInt(rows.value(cVReps));
-        e.VideoHold = NullToInt(rows.value(cVHold));
-        e.VideoSets = NullToInt(rows.value(cVSets));
+        try {
+            e.AbbrevDesc = NullToText(rows.value(cAbbrev));
+            e.Desc = NullToText(rows.value(cDesc));
+            e.Icon = NullToText(rows.value(cIcon));
+            e.Movie = NullToText(rows.value(cMovie));
+            e.Instruct0 = NullToText(rows.value(cI0));
+            e.Instruct1 = NullToText(rows.value(cI1));
+            e.Instruct2 = NullToText(rows.value(cI2));
+            e.Picture0 = NullToText(rows.value(cP0));
+            e.Picture1 = NullToText(rows.value(cP1));
+            e.Picture2 = NullToText(rows.value(cP2));
+            e.Code = RequiredText(rows.value(cCode), "code");
+            e.ExerciseID = RequiredInt32(rows.value(cId), "ExerciseID");
+            e.Hold = RequiredInt16(rows.value(cHold), "Hold");
+            e.Reps = RequiredInt16(rows.value(cReps), "Reps");
+            e.Sets = RequiredInt16(rows.value(cSets), "Sets");
+            e.HasVideo = RequiredBool(rows.value(cHasVideo), "HasVideo");
+            e.VideoReps = NullToInt(rows.value(cVReps));
+            e.VideoHold = NullToInt(rows.value(cVHold));
+            e.VideoSets = NullToInt(rows.value(cVSets));
+        } catch (...) {
+            RethrowAt(QStringLiteral("the database %1, table Exercise, the row of InvoiceID %2 "
+                                     "and RankOnTape %3")
+                          .arg(QDir::toNativeSeparators(state_.Dbs.ProgramPath))
+                          .arg(invoiceID)
+                          .arg(DescribeValue(rows.value(QStringLiteral("RankOnTape")))));
+        }
         ++p.NumExercises;
     }
 }

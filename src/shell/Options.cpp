@@ -4,6 +4,7 @@
 #include "shell/AppState.h"
 #include "shell/SettingsStore.h"
 #include "support/Booleans.h"
+#include "support/Fault.h"
 
 #include <QDir>
 #include <QFile>
@@ -25,7 +26,11 @@ QString TextOption(const ISettingsStore& store, const char* key, const QString& 
 
 bool BoolOption(const ISettingsStore& store, const char* key, bool fallback) {
     const auto value = store.Get(kSection, QLatin1String(key));
-    return value ? CBool(*value) : fallback;
+    if (!value)
+        return fallback;
+    return AtPlace(QStringLiteral("the settings file %1, section [%2], key \"%3\", value \"%4\"")
+                       .arg(store.Location(), kSection, QLatin1String(key), value->left(40)),
+                   [&] { return CBool(*value); });
 }
 
 // The site number: set by the clinic's administrator in section "Site", never written

@@ -2,6 +2,7 @@
 
 #include "shell/PrivateFiles.h"
 
+#include <QDir>
 #include <QSettings>
 
 namespace tarvex {
@@ -28,6 +29,10 @@ std::optional<QString> QtSettingsStore::Get(const QString& section, const QStrin
 
 void QtSettingsStore::Set(const QString& section, const QString& key, const QString& value) {
     settings_->setValue(section + u'/' + key, value);
+}
+
+QString QtSettingsStore::Location() const {
+    return QDir::toNativeSeparators(settings_->fileName());
 }
 
 void QtSettingsStore::Sync() {

@@ -14,6 +14,8 @@ public:
     virtual ~ISettingsStore() = default;
     virtual std::optional<QString> Get(const QString& section, const QString& key) const = 0;
     virtual void Set(const QString& section, const QString& key, const QString& value) = 0;
+    // Where the values are kept, for a report that names it: the settings file.
+    virtual QString Location() const = 0;
 };
 
 // The store kept by QSettings: organisation and application "Tarvex" by default, or an
@@ -26,6 +28,7 @@ public:
 
     std::optional<QString> Get(const QString& section, const QString& key) const override;
     void Set(const QString& section, const QString& key, const QString& value) override;
+    QString Location() const override;
     void Sync();
 
 private:

@@ -38,4 +38,36 @@ public:
     using Fault::Fault;
 };
 
+// Inside a catch block: raises the fault being handled again, of the same kind, with the
+// place where it arose added to its text (the file or table, the key, the column and the
+// value), so that the report tells the user where to look. Anything that is no fault goes
+// on unchanged.
+[[noreturn]] inline void RethrowAt(const QString& place) {
+    const auto text = [&place](const Fault& fault) {
+        return fault.Message() + QStringLiteral("\n\nWhere: ") + place;
+    };
+    try {
+        throw;
+    } catch (const BoundsFault& fault) {
+        throw BoundsFault(text(fault));
+    } catch (const OverflowFault& fault) {
+        throw OverflowFault(text(fault));
+    } catch (const TypeFault& fault) {
+        throw TypeFault(text(fault));
+    } catch (const DatabaseFault& fault) {
+        throw DatabaseFault(text(fault));
+    } catch (const Fault& fault) {
+        throw Fault(text(fault));
+    }
+}
+
+// Runs the work; a fault it raises goes on with the place added (see RethrowAt).
+template <typename Work> decltype(auto) AtPlace(const QString& place, Work&& work) {
+    try {
+        return work();
+    } catch (...) {
+        RethrowAt(place);
+    }
+}
+
 } // namespace tarvex

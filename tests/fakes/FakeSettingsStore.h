@@ -20,6 +20,7 @@ public:
         values[section + u'/' + key] = value;
         writes << key;
     }
+    QString Location() const override { return QStringLiteral("/home/clinic/.config/Tarvex.conf"); }
     QMap<QString, QString> values;
     QStringList writes;
 };

@@ -198,6 +198,37 @@ TEST(PrintTool, WritesEveryJobOfAStoredProgramFromTheUsersDataFolder) {
     EXPECT_FALSE(missing.readAllStandardError().isEmpty());
 }
 
+TEST(PrintTool, AFaultAtStartNamesThePlaceOnItsErrorOutput) {
+    QTemporaryDir home;
+    const QString appFolder = home.filePath("data/Tarvex");
+    {
+        AppState state;
+        state.AppFolder = appFolder;
+        state.DeliveredFolder = tarvex::testing::DeliveredFolder();
+        ASSERT_EQ(PrepareAppFolder(appFolder, TemplatesFolder(state)), "");
+        OpenDatabases(state);
+        // A clinic row saved without its card date.
+        InsertRow(state.Dbs.ProgramDb, "Clinic", {{"Name", "Harbor Physical Therapy"}});
+        CloseDatabases(state);
+    }
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("HOME", home.path());
+    env.insert("XDG_DATA_HOME", home.filePath("data"));
+    env.insert("XDG_CONFIG_HOME", home.filePath("config"));
+    QProcess tool;
+    tool.setProcessEnvironment(env);
+    tool.start(TARVEX_PRINT_TOOL,
+               {"--job", "order", "--invoice", "1", "--out", home.filePath("order.pdf")});
+    ASSERT_TRUE(tool.waitForFinished(60000));
+    EXPECT_NE(tool.exitCode(), 0);
+    const QString errors = QString::fromLocal8Bit(tool.readAllStandardError());
+    EXPECT_TRUE(errors.contains("Type mismatch")) << errors.toStdString();
+    EXPECT_TRUE(errors.contains(QDir::toNativeSeparators(appFolder + "/Tarvex.MDB")))
+        << errors.toStdString();
+    EXPECT_TRUE(errors.contains("table Clinic, column CardDate, value Null"))
+        << errors.toStdString();
+}
+
 TEST(PrintTool, UnwritableFileEndsWithAMessage) {
     int code = 0;
     QString errors;
