@@ -16,11 +16,13 @@ constexpr QFileDevice::Permissions kOthersRights =
     QFileDevice::ReadGroup | QFileDevice::WriteGroup | QFileDevice::ExeGroup |
     QFileDevice::ReadOther | QFileDevice::WriteOther | QFileDevice::ExeOther;
 
+// Takes the group's and others' rights away; the owner's stay as they are, so a file the
+// user made read-only stays read-only. Owner rights the entry lacks are not given.
 bool TakeOthersRights(const QString& path, QFileDevice::Permissions ownerRights) {
     const QFileDevice::Permissions now = QFile::permissions(path);
     if (!(now & kOthersRights))
         return false;
-    return QFile::setPermissions(path, ownerRights);
+    return QFile::setPermissions(path, now & ownerRights);
 }
 
 } // namespace

@@ -272,6 +272,25 @@ TEST(PrepareAppFolder, TheDataFolderAndItsFilesArePrivateToTheUser) {
     }
 }
 
+TEST(Startup, MakingTheFolderPrivateNeverMakesAReadOnlyDatabaseWritable) {
+    QTemporaryDir dir;
+    const QString appFolder = dir.filePath("Tarvex");
+    ASSERT_EQ(PrepareAppFolder(appFolder, tarvex::testing::DeliveredFolder() + "/templates"), "");
+    const QString program = QDir(appFolder).filePath("Tarvex.MDB");
+    ASSERT_TRUE(
+        QFile::setPermissions(program, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
+    StartupRun run(appFolder);
+    try {
+        run.Start();
+        ADD_FAILURE() << "a read-only database was opened";
+    } catch (const DatabaseFault& fault) {
+        EXPECT_TRUE(fault.Message().contains("is read-only")) << fault.Message().toStdString();
+        EXPECT_TRUE(fault.Message().contains(QDir::toNativeSeparators(program)));
+    }
+    EXPECT_EQ(QFile::permissions(program) & ~(QFile::ReadUser | QFile::WriteUser | QFile::ExeUser),
+              QFile::ReadOwner);
+}
+
 TEST(Startup, AnOpenDataFolderOfAnEarlierReleaseIsMadePrivateAndTheStatusLineSaysSo) {
     QTemporaryDir dir;
     const QString appFolder = dir.filePath("Tarvex");
