@@ -57,8 +57,10 @@ QString EngineProblem(const QString& path, const QString& markTable) {
             if (!check.exec(QStringLiteral("PRAGMA quick_check(1)")) || !check.next())
                 problem = QStringLiteral("the file is damaged (%1)")
                               .arg(check.lastError().databaseText());
-            else if (const QString found = check.value(0).toString(); found != QLatin1String("ok"))
-                problem = QStringLiteral("the file is damaged (%1)").arg(found);
+            else if (QString found = check.value(0).toString(); found != QLatin1String("ok"))
+                problem =
+                    QStringLiteral("the file is damaged (%1)")
+                        .arg(found.remove(QStringLiteral("*** in database main ***")).simplified());
             check.finish();
             if (problem.isEmpty()) {
                 QSqlQuery mark(db);
