@@ -344,8 +344,15 @@ bool QtPicture::HasPicture() const {
 
 // --- message boxes
 
+QWidget* QtPrompter::Owner() const {
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal;
+    QWidget* active = QApplication::activeWindow();
+    return active && active->isVisible() ? active : parent_.data();
+}
+
 Answer QtPrompter::MsgBox(const QString& text, int style, const QString& title) {
-    QMessageBox box(parent_);
+    QMessageBox box(Owner());
     box.setWindowTitle(title);
     box.setText(text);
     switch (style & 0x70) {
@@ -418,7 +425,7 @@ std::optional<QString> QtPrompter::InputBox(const QString& prompt, const QString
                                             const QString& defaultText) {
     bool ok = false;
     const QString text =
-        QInputDialog::getText(parent_, title, prompt, QLineEdit::Normal, defaultText, &ok);
+        QInputDialog::getText(Owner(), title, prompt, QLineEdit::Normal, defaultText, &ok);
     if (!ok)
         return std::nullopt;
     return text;

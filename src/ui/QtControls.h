@@ -212,6 +212,9 @@ public:
                                     const QString& defaultText) override;
 
 private:
+    // The window the box belongs to: the one the user works in (the workspace, a dialog)
+    // so that the box comes up over it, else the main window.
+    QWidget* Owner() const;
     QPointer<QWidget> parent_;
 };
 
