@@ -5,7 +5,7 @@ TARVEX_PACKAGES=(
     qt6-multimedia-dev libqt6multimediawidgets6
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav
     libzip-dev libgtest-dev libbenchmark-dev cmake ninja-build g++ pkg-config
-    fonts-liberation fonts-dejavu-core xvfb xauth ffmpeg poppler-utils unzip p7zip-full
+    fonts-liberation fonts-dejavu-core fonts-noto-cjk xvfb xauth ffmpeg poppler-utils unzip p7zip-full
     clang-format
 )
 # Only the tests need these: a real print queue (a private CUPS server whose cups-pdf

@@ -74,6 +74,8 @@ public:
     // The paper in inches as it lies in the current orientation, when the surface knows
     // its paper (a printer or a PDF file); empty otherwise.
     virtual QSizeF PaperInches() const { return {}; }
+    // Device pixels to a twip, at which pictures are decoded; unknown, a printer's 600 dpi.
+    virtual double PixelsPerTwip() const { return 600.0 / 1440.0; }
 
 protected:
     virtual double MeasureWidth(const SurfaceFont& font, const QString& text) const = 0;

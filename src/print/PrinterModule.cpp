@@ -1,11 +1,13 @@
 #include "print/PrinterModule.h"
 
 #include "support/Numbers.h"
+#include "support/Pictures.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
+#include <cmath>
 
 namespace tarvex {
 
@@ -214,7 +216,11 @@ void PrintPicture(PageSurface& surface, const MediaPaths& media, const QString& 
         QImageReader reader(path);
         if (reader.format() == "jpeg" && !JpegIsComplete(path))
             return;
-        const QImage picture = reader.read();
+        // Decoded at the size of its box on the page, whatever the size of the photo.
+        const double perTwip = surface.PixelsPerTwip();
+        const QImage picture =
+            ReadPictureAtMost(reader, QSize(static_cast<int>(std::ceil(width * perTwip)),
+                                            static_cast<int>(std::ceil(height * perTwip))));
         if (picture.isNull())
             return;
         surface.PaintPicture(picture, x, y, width, height);

@@ -83,10 +83,10 @@ void ChoicePaneWidget::ShowCell(int index, bool visible) {
 
 PictureLoad ChoicePaneWidget::LoadCellPicture(int index, const QString& path) {
     Cell& cell = cells_.at(static_cast<size_t>(index));
-    QImage image;
-    const PictureLoad result = ReadPaneImage(path, image);
     const QSize box(static_cast<int>(SelectionPanes::kPictureWidth * S),
                     static_cast<int>(SelectionPanes::kPictureHeight * S));
+    QImage image;
+    const PictureLoad result = ReadPaneImage(path, image, box * devicePixelRatio());
     cell.image = image.isNull() ? QImage()
                                 : image.scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation);
     update();

@@ -1,5 +1,7 @@
 #include "ui/PaneDrag.h"
 
+#include "support/Pictures.h"
+
 #include <QDir>
 #include <QDrag>
 #include <QFileInfo>
@@ -42,14 +44,15 @@ void StartPaneDrag(QWidget* from, DragSource source, const QImage& image) {
     drag->exec(Qt::MoveAction);
 }
 
-PictureLoad ReadPaneImage(const QString& path, QImage& image) {
+PictureLoad ReadPaneImage(const QString& path, QImage& image, QSize bound) {
     image = QImage();
     const QFileInfo info(path);
     if (!info.isFile())
         return {PictureLoad::Missing, info.dir().exists() ? 53 : 76,
                 QStringLiteral("File not found")};
     QImageReader reader(path);
-    if (!reader.read(&image)) {
+    image = ReadPictureAtMost(reader, bound);
+    if (image.isNull()) {
         image = QImage();
         return {PictureLoad::Failed, 481,
                 QStringLiteral("Invalid picture (%1)").arg(reader.errorString())};

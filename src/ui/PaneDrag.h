@@ -2,7 +2,9 @@
 
 #include "exercise/SelectionWorkspace.h"
 
+#include <QImage>
 #include <QMimeData>
+#include <QSize>
 
 class QWidget;
 
@@ -18,7 +20,8 @@ DragSource PaneDragSource(const QMimeData* data);
 void StartPaneDrag(QWidget* from, DragSource source, const QImage& image);
 
 // Reads a picture file as the panes do: a file that is not there is no error; a file
-// that cannot be read as a picture is.
-PictureLoad ReadPaneImage(const QString& path, QImage& image);
+// that cannot be read as a picture is. A large picture is decoded at no more than the
+// bound (the cell it is drawn in).
+PictureLoad ReadPaneImage(const QString& path, QImage& image, QSize bound = {});
 
 } // namespace tarvex

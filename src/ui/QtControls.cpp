@@ -1,10 +1,13 @@
 #include "ui/QtControls.h"
 
+#include "support/Pictures.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDesktopServices>
+#include <QImageReader>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -327,12 +330,14 @@ QString QtTree::SelectedKey() const {
 // --- picture
 
 bool QtPicture::LoadFile(const QString& path) {
-    const QPixmap pixmap(path);
-    if (pixmap.isNull()) {
+    QImageReader reader(path);
+    const QImage image = ReadPictureAtMost(reader, label_->size() * label_->devicePixelRatio());
+    if (image.isNull()) {
         Clear();
         return false;
     }
-    label_->setPixmap(pixmap.scaled(label_->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    label_->setPixmap(QPixmap::fromImage(
+        image.scaled(label_->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation)));
     return true;
 }
 void QtPicture::Clear() {

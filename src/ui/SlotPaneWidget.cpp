@@ -45,9 +45,9 @@ void SlotPaneWidget::resizeEvent(QResizeEvent*) {
 PictureLoad SlotPaneWidget::ShowSlot(int slot, const QString& iconPath, const QString& caption,
                                      bool blue) {
     Slot& s = slots_.at(static_cast<size_t>(slot));
-    QImage image;
-    const PictureLoad result = ReadPaneImage(iconPath, image);
     const QSize box(static_cast<int>(70 * S), static_cast<int>(53 * S));
+    QImage image;
+    const PictureLoad result = ReadPaneImage(iconPath, image, box * devicePixelRatio());
     s.image = image.isNull() ? QImage()
                              : image.scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation);
     s.text = caption;

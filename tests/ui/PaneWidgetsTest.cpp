@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QImage>
+#include <QImageReader>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -76,4 +77,21 @@ TEST(PaneWidgets, TheLibraryPaneFindsTheCellUnderThePointer) {
     EXPECT_EQ(pane.PictureRect(7).top(), static_cast<int>(4 * ChoicePaneWidget::kScale));
     pane.ShowCell(7, false);
     EXPECT_EQ(pane.CellAt(pane.PictureRect(7).center(), true), -1);
+}
+
+TEST(ReadPaneImage, ALargePhotoIsDecodedAtTheCellsSizeInsteadOfFailing) {
+    QTemporaryDir dir;
+    QImage photo(4000, 3000, QImage::Format_RGB888);
+    photo.fill(QColor(30, 90, 200));
+    ASSERT_TRUE(photo.save(dir.filePath("photo.jpg"), "jpeg", 40));
+    // Qt's allocation limit, lowered so that this photo stands for one of 100 megapixels.
+    const int before = QImageReader::allocationLimit();
+    QImageReader::setAllocationLimit(24);
+    QImage image;
+    const PictureLoad whole = ReadPaneImage(dir.filePath("photo.jpg"), image);
+    const PictureLoad fitted = ReadPaneImage(dir.filePath("photo.jpg"), image, QSize(140, 140));
+    QImageReader::setAllocationLimit(before);
+    EXPECT_EQ(whole.result, PictureLoad::Failed);
+    EXPECT_EQ(fitted.result, PictureLoad::Loaded);
+    EXPECT_EQ(image.size(), QSize(140, 105));
 }
