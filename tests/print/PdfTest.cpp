@@ -107,6 +107,26 @@ TEST(PdfPages, TextOfTheSheetsIsInThePdf) {
     EXPECT_EQ(text.count(QChar('\f')), 3);
 }
 
+TEST(PdfPages, ChineseJapaneseAndKoreanNamesPrintWithAFontThatHasTheirGlyphs) {
+    QTemporaryDir dir;
+    AppState state;
+    FillProgram(state, dir.path(), 2);
+    tarvex::testing::SetSheetHeader(state, QStringLiteral("서울 물리치료"));
+    state.Program.FullName = QStringLiteral("陈伟华");
+    state.Program.Exercise(0).Desc = QStringLiteral("膝の伸展");
+    const QString file = dir.filePath("cjk.pdf");
+    WriteJobPdf(state, kJobExercises4, file);
+    int code = 0;
+    const QString fonts = RunTool("pdffonts", {file}, &code);
+    ASSERT_EQ(code, 0);
+    EXPECT_TRUE(fonts.contains("CJK")) << fonts.toStdString();
+    const QString text = RunTool("pdftotext", {"-layout", file, "-"}, &code);
+    ASSERT_EQ(code, 0);
+    EXPECT_TRUE(text.contains(QStringLiteral("陈伟华"))) << text.left(600).toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("膝の伸展"))) << text.left(600).toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("서울 물리치료"))) << text.left(600).toStdString();
+}
+
 TEST(PdfPages, TwentyExercisesAtTwoAndFourAPage) {
     // Kept in the build folder so that the pages can be looked at.
     const QString out = QDir(TARVEX_PAGES_DIR).absolutePath();
