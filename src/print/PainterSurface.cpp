@@ -6,6 +6,7 @@
 #include <QFontMetricsF>
 #include <QPageLayout>
 #include <QPagedPaintDevice>
+#include <algorithm>
 
 namespace tarvex {
 
@@ -123,6 +124,15 @@ void PainterSurface::PaintPicture(const QImage& picture, double x, double y, dou
                                   double height) {
     QPainter& painter = Painter();
     painter.drawImage(QRectF(x, y, width, height), picture);
+}
+
+double PainterSurface::PixelsPerTwip() const {
+    // A printer or a PDF file takes the picture as it is and lays it over its own dots: a
+    // printer in screen resolution draws in 96 logical dots an inch but prints at its
+    // physical resolution, so the picture is read for the latter.
+    const double dpi =
+        m_paged ? std::max(m_dpi, static_cast<double>(m_device.physicalDpiX())) : m_dpi;
+    return dpi / kTwipsPerInch;
 }
 
 void PainterSurface::Cls() {

@@ -35,7 +35,7 @@ public:
     void SetOrientation(int orientation) override;
     int Orientation() const override { return m_orientation; }
     QSizeF PaperInches() const override;
-    double PixelsPerTwip() const override { return m_dpi / 1440.0; }
+    double PixelsPerTwip() const override;
 
     // The Qt font that draws a surface font, with its size in twips.
     QFont QtFont(const SurfaceFont& font) const;

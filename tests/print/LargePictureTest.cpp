@@ -13,9 +13,9 @@ using namespace tarvex;
 
 namespace {
 
-// Qt refuses to decode a picture whose pixels need more than its allocation limit (256 MB
-// by default: a 108-megapixel phone photo needs 432 MB). The tests lower the limit so that
-// a 12-megapixel photo, quick to make, stands for such a one.
+// Qt refuses to decode a picture whose pixels need more than its allocation limit (128 MB
+// in Qt 6.4: a 60-megapixel photo of 9000 by 6750 needs 232 MB). The tests lower the limit
+// so that a 12-megapixel photo, quick to make, stands for such a one.
 class AllocationLimit {
 public:
     explicit AllocationLimit(int megabytes) : before_(QImageReader::allocationLimit()) {

@@ -84,7 +84,7 @@ TEST(ReadPaneImage, ALargePhotoIsDecodedAtTheCellsSizeInsteadOfFailing) {
     QImage photo(4000, 3000, QImage::Format_RGB888);
     photo.fill(QColor(30, 90, 200));
     ASSERT_TRUE(photo.save(dir.filePath("photo.jpg"), "jpeg", 40));
-    // Qt's allocation limit, lowered so that this photo stands for one of 100 megapixels.
+    // Qt's allocation limit, lowered so that this photo stands for one of 60 megapixels.
     const int before = QImageReader::allocationLimit();
     QImageReader::setAllocationLimit(24);
     QImage image;

@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QImage>
 #include <QPrintDialog>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -55,6 +56,45 @@ TEST(PrintCommands, ThePatientRecordAndTheOrderFormPrintFromTheMenu) {
     r.state.SkipPrintDialog = true;
     r.window.MenuCommands().Action("mnuPrintVideo")->trigger();
     EXPECT_TRUE(r.PrintedText().contains("TAPE CONTENT"));
+}
+
+TEST(PrintCommands, ThePrintersPicturesKeepThePixelsOfThePictureFiles) {
+    // The program's printer draws in 96 dots an inch but prints at its own resolution:
+    // pictures of 900 x 675, the size of the delivered ones, go to it whole in their 2 x 1.5
+    // inch boxes.
+    PrintRun r;
+    r.state.Prefs.PrintPatientCover = false;
+    ASSERT_EQ(r.window.Printer().logicalDpiX(), 96);
+    QTemporaryDir pictures;
+    r.state.Media.Picture = pictures.path() + "/";
+    QImage picture(900, 675, QImage::Format_RGB32);
+    picture.fill(QColor(200, 220, 240));
+    int written = 0;
+    for (int i = 0; i < r.state.Program.NumExercises; ++i) {
+        const ExerciseEntry& e = r.state.Program.Exercise(i);
+        for (const QString& name : {e.Picture0, e.Picture1, e.Picture2}) {
+            if (name.isEmpty())
+                continue;
+            ASSERT_TRUE(picture.save(pictures.filePath(name), "JPG"));
+            ++written;
+        }
+    }
+    r.window.ToolbarCommands().Action("Print")->trigger();
+    QProcess pdfimages;
+    pdfimages.start("pdfimages", {"-list", r.dir.filePath("printed.pdf")});
+    ASSERT_TRUE(pdfimages.waitForFinished(30000));
+    // Two heading lines, then one line an image: page, number, type, width, height, ...
+    const QStringList lines =
+        QString::fromLocal8Bit(pdfimages.readAllStandardOutput()).split('\n').mid(2);
+    QStringList sizes;
+    for (const QString& line : lines) {
+        const QStringList fields = line.simplified().split(' ');
+        if (fields.size() > 4)
+            sizes << fields[3] + 'x' + fields[4];
+    }
+    EXPECT_GE(written, 10); // five exercises of two or three views
+    EXPECT_EQ(sizes.size(), written);
+    EXPECT_EQ(sizes.count("900x675"), sizes.size()) << sizes.join(' ').toStdString();
 }
 
 namespace {
