@@ -93,11 +93,9 @@ void ReadLibraryRows(QSqlQuery& rows, LibraryCache& cache, const QString& source
             e.VideoHold = NullToInt(rows.value(cVHold));
             e.VideoSets = NullToInt(rows.value(cVSets));
         } catch (...) {
-            RethrowAt(QStringLiteral("%1table ExerciseLibrary, the row of ExerciseID %2")
-                          .arg(source.isEmpty() ? QString()
-                                                : QStringLiteral("the database %1, ")
-                                                      .arg(QDir::toNativeSeparators(source)),
-                               DescribeValue(rows.value(cId))));
+            RethrowAt(
+                QStringLiteral("the database %1, table ExerciseLibrary, the row of ExerciseID %2")
+                    .arg(QDir::toNativeSeparators(source), DescribeValue(rows.value(cId))));
         }
         i = ToInt16(i + 1);
     }

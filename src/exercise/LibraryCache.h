@@ -29,6 +29,6 @@ void ReloadChoices(AppState& state);
 
 // Fills the sized cache from the first to the last row of the query. A fault in a row
 // names the database file (source), the table, the row's ExerciseID and the column.
-void ReadLibraryRows(QSqlQuery& rows, LibraryCache& cache, const QString& source = {});
+void ReadLibraryRows(QSqlQuery& rows, LibraryCache& cache, const QString& source);
 
 } // namespace tarvex

@@ -21,8 +21,6 @@ class SingleInstanceLock {
 public:
     explicit SingleInstanceLock(const QString& lockPath);
     InstanceClaim Claim();
-    // True when this copy holds the lock (or already did).
-    bool TryLock() { return Claim() == InstanceClaim::Claimed; }
     // What the user is told of a claim that failed for any reason but a live copy here:
     // the folder, the cause and what to do.
     QString ProblemText(InstanceClaim claim) const;
