@@ -15,9 +15,16 @@ QString QuoteIdentifier(const QString& name) {
     return u'"' + name + u'"';
 }
 
+// SQLite's code for a file that it cannot open (SQLITE_CANTOPEN).
+constexpr const char* kCannotOpen = "14";
+
 [[noreturn]] void Fail(const QSqlError& error, const QString& sql) {
+    const int number = error.nativeErrorCode() == QLatin1String(kCannotOpen)
+                           ? DatabaseFault::kFileNotFound
+                           : DatabaseFault::kEngineError;
     throw DatabaseFault(QStringLiteral("The database refused a statement: %1\n\n%2")
-                            .arg(error.text(), sql.left(300)));
+                            .arg(error.text(), sql.left(300)),
+                        number);
 }
 
 // A statement cut into the pieces that the rewrites must tell apart: plain SQL, quoted
