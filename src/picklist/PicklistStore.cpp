@@ -62,19 +62,23 @@ void LoadPicklistTree(AppState& state, ITree& tree) {
     QSqlDatabase& db = state.Dbs.PicklistDb;
     const QString root = QLatin1String(kPicklistRoot);
     tree.Clear();
+    const QString closed = QStringLiteral("closed");
     tree.AddNode(QString(), root, root);
+    tree.SetNodeImage(root, closed);
     tree.SetChildrenSorted(root);
 
     QSqlQuery lists = OpenQuery(db, QLatin1String(kListsSql));
     while (lists.next()) {
         const QString name = RequiredText(lists.value(QStringLiteral("Name")), "Name");
         tree.AddNode(root, name, name);
+        tree.SetNodeImage(name, closed);
     }
     QSqlQuery entries = OpenQuery(db, QLatin1String(kEntriesSql));
     while (entries.next()) {
         const int32_t id = RequiredInt32(entries.value(0), "ID");
         tree.AddNode(RequiredText(entries.value(2), "lblname"), EntryKey(id),
                      RequiredText(entries.value(1), "Name"));
+        tree.SetNodeImage(EntryKey(id), closed);
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <cstdint>
 
 namespace tarvex {
 
@@ -60,22 +61,47 @@ public:
     virtual QString Tag() const = 0;
 };
 
+// A combo box of a fixed list whose entries each carry a number (its ItemData), so that
+// entries of the same text stay apart.
+class IItemDataCombo {
+public:
+    virtual ~IItemDataCombo() = default;
+    virtual void Clear() = 0;
+    virtual void AddItem(const QString& text, int32_t itemData) = 0;
+    virtual int ListCount() const = 0;
+    virtual QString List(int index) const = 0;
+    virtual int32_t ItemData(int index) const = 0;
+    virtual int ListIndex() const = 0; // -1 when none is chosen
+    virtual void SetListIndex(int index) = 0;
+};
+
 // A tree of nodes, each with a unique key and a text. Parents are named by key; an
-// empty parent key adds a root node.
+// empty parent key adds a root node. A node's index counts from 1 in the order of
+// addition; removing a node moves the later ones down.
 class ITree {
 public:
     virtual ~ITree() = default;
     virtual void Clear() = 0;
     virtual void AddNode(const QString& parentKey, const QString& key, const QString& text) = 0;
+    // Adds a node beside another, right after it (or in its place in a sorted parent).
+    virtual void AddNodeAfter(const QString& siblingKey, const QString& key,
+                              const QString& text) = 0;
     virtual void RemoveNode(const QString& key) = 0;
+    virtual bool HasNode(const QString& key) const = 0;
     virtual int NodeCount() const = 0;
-    virtual QString NodeKey(int index) const = 0; // in order of addition, depth first
+    virtual QString NodeKey(int index) const = 0; // from 0, in order of addition
     virtual QString NodeText(const QString& key) const = 0;
+    virtual void SetNodeText(const QString& key, const QString& text) = 0;
     virtual QString ParentKey(const QString& key) const = 0; // empty for a root
     virtual QStringList ChildKeys(const QString& key) const = 0;
     virtual QString SelectedKey() const = 0;
+    // Selects the node as code does: no click is raised.
+    virtual void SelectNode(const QString& key) = 0;
+    // The picture of a node, by the key of its image ("open", "closed").
+    virtual void SetNodeImage(const QString& key, const QString& image) = 0;
+    virtual void ExpandNode(const QString& key) = 0;
     // From now on the children of the node keep themselves in SortsBefore order by text.
-    virtual void SetChildrenSorted(const QString& /*key*/) {}
+    virtual void SetChildrenSorted(const QString& key) = 0;
 };
 
 // Commands addressed by key: the toolbar's buttons or the menu's entries.

@@ -1,5 +1,6 @@
 #include "ui/QtControls.h"
 
+#include "support/Fault.h"
 #include "support/Pictures.h"
 
 #include <QAction>
@@ -248,83 +249,33 @@ void QtReportList::SortByColumn(int column) {
     tree_->sortItems(column, Qt::AscendingOrder);
 }
 
-// --- tree
+// --- combo with item data
 
-QTreeWidgetItem* QtTree::Find(const QString& key) const {
-    for (QTreeWidgetItemIterator it(tree_); *it; ++it) {
-        if ((*it)->data(0, Qt::UserRole).toString() == key)
-            return *it;
-    }
-    return nullptr;
+void QtItemDataCombo::Clear() {
+    const QSignalBlocker quiet(box_);
+    box_->clear();
 }
-void QtTree::Clear() {
-    tree_->clear();
+void QtItemDataCombo::AddItem(const QString& text, int32_t itemData) {
+    const QSignalBlocker quiet(box_);
+    box_->addItem(text, itemData);
 }
-void QtTree::AddNode(const QString& parentKey, const QString& key, const QString& text) {
-    QTreeWidgetItem* parent = parentKey.isEmpty() ? nullptr : Find(parentKey);
-    if (parent && sortedParents_.contains(parentKey)) {
-        auto* item = new QTreeWidgetItem();
-        item->setText(0, text);
-        item->setData(0, Qt::UserRole, key);
-        int at = 0;
-        while (at < parent->childCount() && !SortsBefore(text, parent->child(at)->text(0)))
-            ++at;
-        parent->insertChild(at, item);
-        return;
-    }
-    auto* item = parent ? new QTreeWidgetItem(parent) : new QTreeWidgetItem(tree_);
-    item->setText(0, text);
-    item->setData(0, Qt::UserRole, key);
+int QtItemDataCombo::ListCount() const {
+    return box_->count();
 }
-void QtTree::SetChildrenSorted(const QString& key) {
-    if (!sortedParents_.contains(key))
-        sortedParents_ << key;
-    QTreeWidgetItem* parent = Find(key);
-    if (!parent)
-        return;
-    QList<QTreeWidgetItem*> children = parent->takeChildren();
-    std::stable_sort(children.begin(), children.end(),
-                     [](const QTreeWidgetItem* a, const QTreeWidgetItem* b) {
-                         return SortsBefore(a->text(0), b->text(0));
-                     });
-    parent->addChildren(children);
+QString QtItemDataCombo::List(int index) const {
+    return box_->itemText(index);
 }
-void QtTree::RemoveNode(const QString& key) {
-    delete Find(key);
+int32_t QtItemDataCombo::ItemData(int index) const {
+    if (index < 0 || index >= box_->count())
+        throw BoundsFault(QStringLiteral("Invalid property array index (%1)").arg(index));
+    return box_->itemData(index).toInt();
 }
-int QtTree::NodeCount() const {
-    int count = 0;
-    for (QTreeWidgetItemIterator it(tree_); *it; ++it)
-        ++count;
-    return count;
+int QtItemDataCombo::ListIndex() const {
+    return box_->currentIndex();
 }
-QString QtTree::NodeKey(int index) const {
-    int i = 0;
-    for (QTreeWidgetItemIterator it(tree_); *it; ++it, ++i) {
-        if (i == index)
-            return (*it)->data(0, Qt::UserRole).toString();
-    }
-    return QString();
-}
-QString QtTree::NodeText(const QString& key) const {
-    const QTreeWidgetItem* item = Find(key);
-    return item ? item->text(0) : QString();
-}
-QString QtTree::ParentKey(const QString& key) const {
-    const QTreeWidgetItem* item = Find(key);
-    return item && item->parent() ? item->parent()->data(0, Qt::UserRole).toString() : QString();
-}
-QStringList QtTree::ChildKeys(const QString& key) const {
-    QStringList keys;
-    if (const QTreeWidgetItem* item = Find(key)) {
-        for (int i = 0; i < item->childCount(); ++i)
-            keys << item->child(i)->data(0, Qt::UserRole).toString();
-    }
-    return keys;
-}
-QString QtTree::SelectedKey() const {
-    const QTreeWidgetItem* item = tree_->currentItem();
-    return item ? item->data(0, Qt::UserRole).toString() : QString();
+void QtItemDataCombo::SetListIndex(int index) {
+    const QSignalBlocker quiet(box_);
+    box_->setCurrentIndex(index);
 }
 
 // --- picture

@@ -122,6 +122,23 @@ private:
     QPointer<QComboBox> box_;
 };
 
+// A fixed-list combo box whose entries carry a number in their user data. Changes made
+// through the adapter emit none of the widget's signals: the logic runs its click itself.
+class QtItemDataCombo : public IItemDataCombo {
+public:
+    explicit QtItemDataCombo(QComboBox* box) : box_(box) {}
+    void Clear() override;
+    void AddItem(const QString& text, int32_t itemData) override;
+    int ListCount() const override;
+    QString List(int index) const override;
+    int32_t ItemData(int index) const override;
+    int ListIndex() const override;
+    void SetListIndex(int index) override;
+
+private:
+    QPointer<QComboBox> box_;
+};
+
 class QtEnableable : public IEnableable {
 public:
     explicit QtEnableable(QWidget* widget) : widget_(widget) {}
@@ -169,26 +186,6 @@ public:
 
 private:
     QPointer<QTreeWidget> tree_;
-};
-
-class QtTree : public ITree {
-public:
-    explicit QtTree(QTreeWidget* tree) : tree_(tree) {}
-    void Clear() override;
-    void AddNode(const QString& parentKey, const QString& key, const QString& text) override;
-    void RemoveNode(const QString& key) override;
-    int NodeCount() const override;
-    QString NodeKey(int index) const override;
-    QString NodeText(const QString& key) const override;
-    QString ParentKey(const QString& key) const override;
-    QStringList ChildKeys(const QString& key) const override;
-    QString SelectedKey() const override;
-    void SetChildrenSorted(const QString& key) override;
-
-private:
-    QTreeWidgetItem* Find(const QString& key) const;
-    QPointer<QTreeWidget> tree_;
-    QStringList sortedParents_;
 };
 
 // A picture box over a label; the picture is scaled to the label's size.

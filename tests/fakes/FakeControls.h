@@ -9,6 +9,7 @@
 #include "support/Desktop.h"
 #include "support/Progress.h"
 #include "support/Prompter.h"
+#include "support/TreeModel.h"
 
 #include <QFile>
 #include <QHash>
@@ -134,6 +135,49 @@ private:
     }
 };
 
+// A fixed-list combo whose entries carry numbers; the choice is an index, so entries of
+// the same text stay apart.
+class FakeItemDataCombo : public IItemDataCombo {
+public:
+    void Clear() override {
+        items.clear();
+        data.clear();
+        index = -1;
+    }
+    void AddItem(const QString& t, int32_t d) override {
+        items << t;
+        data.push_back(d);
+    }
+    int ListCount() const override { return static_cast<int>(items.size()); }
+    QString List(int i) const override { return items.value(i); }
+    int32_t ItemData(int i) const override {
+        if (i < 0 || i >= ListCount())
+            throw std::out_of_range("ItemData");
+        return data[static_cast<size_t>(i)];
+    }
+    int ListIndex() const override { return index; }
+    void SetListIndex(int i) override { index = i; }
+
+    // What the user does: chooses the entry and raises the click.
+    void Choose(int i) {
+        index = i;
+        if (onClick)
+            onClick();
+    }
+    // The same, by the entry's text (the first of that text).
+    void ChooseText(const QString& text) {
+        const qsizetype i = items.indexOf(text);
+        if (i < 0)
+            throw std::runtime_error("no entry " + text.toStdString());
+        Choose(static_cast<int>(i));
+    }
+
+    QStringList items;
+    std::vector<int32_t> data;
+    int index = -1;
+    std::function<void()> onClick;
+};
+
 // A list box; with sorted set it keeps its entries in SortsBefore order, as a list that
 // sorts itself does: AddItem then inserts behind the entries that sort equal.
 class FakeListBox : public IListBox {
@@ -221,63 +265,9 @@ public:
     int selectedRow = -1;
 };
 
-class FakeTree : public ITree {
-public:
-    void Clear() override { nodes.clear(); }
-    void AddNode(const QString& parentKey, const QString& key, const QString& text) override {
-        if (Find(key) >= 0)
-            throw std::runtime_error("Key is not unique in collection");
-        nodes.push_back({parentKey, key, text});
-    }
-    void RemoveNode(const QString& key) override {
-        for (const QString& child : ChildKeys(key))
-            RemoveNode(child);
-        const int i = Find(key);
-        if (i >= 0)
-            nodes.erase(nodes.begin() + i);
-    }
-    int NodeCount() const override { return static_cast<int>(nodes.size()); }
-    QString NodeKey(int i) const override { return nodes.at(i).key; }
-    QString NodeText(const QString& key) const override {
-        const int i = Find(key);
-        return i >= 0 ? nodes[i].text : QString();
-    }
-    QString ParentKey(const QString& key) const override {
-        const int i = Find(key);
-        return i >= 0 ? nodes[i].parent : QString();
-    }
-    QStringList ChildKeys(const QString& key) const override {
-        QStringList keys;
-        for (const Node& n : nodes)
-            if (n.parent == key && !key.isEmpty())
-                keys << n.key;
-        if (sortedParents.contains(key))
-            std::stable_sort(keys.begin(), keys.end(), [this](const QString& a, const QString& b) {
-                return SortsBefore(NodeText(a), NodeText(b));
-            });
-        return keys;
-    }
-    QString SelectedKey() const override { return selectedKey; }
-    void SetChildrenSorted(const QString& key) override {
-        if (!sortedParents.contains(key))
-            sortedParents << key;
-    }
-
-    struct Node {
-        QString parent, key, text;
-    };
-    std::vector<Node> nodes;
-    QString selectedKey;
-    QStringList sortedParents;
-
-private:
-    int Find(const QString& key) const {
-        for (int i = 0; i < static_cast<int>(nodes.size()); ++i)
-            if (nodes[i].key == key)
-                return i;
-        return -1;
-    }
-};
+// The tree in memory is the item model the window shows: the logic sees it only through
+// ITree either way.
+using FakeTree = TreeModel;
 
 class FakePicture : public IPicture {
 public:

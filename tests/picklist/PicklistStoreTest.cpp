@@ -129,7 +129,7 @@ TEST(LoadComboBox, AnEntryWithoutNameIsAFault) {
 TEST(LoadPicklistTree, BuildsRootListsAndEntries) {
     PicklistHarness h;
     FakeTree tree;
-    tree.nodes.push_back({"", "old", "Left over"});
+    tree.AddNode("", "old", "Left over");
     LoadPicklistTree(h.folder.state, tree);
     EXPECT_EQ(tree.NodeText("old"), "");
     EXPECT_EQ(tree.NodeKey(0), "Picklist");
@@ -154,8 +154,11 @@ TEST(LoadPicklistTree, TheTreeSortsTheListsButNotTheEntries) {
     PicklistHarness h({{"Usage", {"b", "a"}}, {"Provider", {"Z", "Y"}}, {"Amenities", {"Pool"}}});
     FakeTree tree;
     LoadPicklistTree(h.folder.state, tree);
-    EXPECT_EQ(tree.sortedParents, QStringList({"Picklist"}));
     EXPECT_EQ(tree.ChildKeys("Picklist"), QStringList({"Amenities", "Provider", "Usage"}));
+    // The lists stay sorted as nodes arrive; the entries keep the order they came in.
+    tree.AddNode("Picklist", "Body parts", "Body parts");
+    EXPECT_EQ(tree.ChildKeys("Picklist"),
+              QStringList({"Amenities", "Body parts", "Provider", "Usage"}));
     EXPECT_EQ(PicklistHarness::Texts(tree)["Usage"], QStringList({"b", "a"}));
 }
 
@@ -181,9 +184,9 @@ TEST(SavePicklistTree, WritesTheEditedTreeInItsOrder) {
     tree.RemoveNode(mark);
     tree.AddNode("Provider", "new1", "Enter Name");
     tree.AddNode("Usage", "new2", "Every hour");
-    for (auto& node : tree.nodes)
-        if (node.text == "Once a day")
-            node.text = "Once daily";
+    for (const QString& entry : tree.ChildKeys("Usage"))
+        if (tree.NodeText(entry) == "Once a day")
+            tree.SetNodeText(entry, "Once daily");
     SavePicklistTree(h.folder.state, tree);
     EXPECT_EQ(h.Combo("Provider"),
               QStringList({"Dr. Jane Smith, PT", "Ann O'Neil, PT", "Enter Name"}));
