@@ -2,6 +2,7 @@
 
 #include "data/NullValues.h"
 #include "data/Sql.h"
+#include "exercise/ExerciseRows.h"
 #include "shell/AppState.h"
 #include "shell/Shell.h"
 #include "support/Dates.h"
@@ -174,39 +175,13 @@ void ProgramStore::ReadExercises(int32_t invoiceID) {
         OpenQuery(state_.Dbs.ProgramDb,
                   QStringLiteral("SELECT * FROM Exercise WHERE InvoiceID = %1 ORDER BY RankOnTape")
                       .arg(invoiceID));
-    const QSqlRecord r = rows.record();
-    const int cAbbrev = r.indexOf("AbbrevDesc"), cDesc = r.indexOf("Desc"),
-              cIcon = r.indexOf("Icon"), cMovie = r.indexOf("Movie"), cI0 = r.indexOf("Instruct0"),
-              cI1 = r.indexOf("Instruct1"), cI2 = r.indexOf("Instruct2"),
-              cP0 = r.indexOf("Picture0"), cP1 = r.indexOf("Picture1"), cP2 = r.indexOf("Picture2"),
-              cCode = r.indexOf("code"), cId = r.indexOf("ExerciseID"), cHold = r.indexOf("Hold"),
-              cReps = r.indexOf("Reps"), cSets = r.indexOf("Sets"),
-              cHasVideo = r.indexOf("HasVideo"), cVReps = r.indexOf("VideoReps"),
-              cVHold = r.indexOf("VideoHold"), cVSets = r.indexOf("VideoSets");
+    const ExerciseRowReader reader(rows.record());
     p.NumExercises = 0;
     while (rows.next()) {
         // Joint, Motion and Type are not stored with a program: the slot keeps its own.
         ExerciseEntry& e = p.Exercise(p.NumExercises);
         try {
-            e.AbbrevDesc = NullToText(rows.value(cAbbrev));
-            e.Desc = NullToText(rows.value(cDesc));
-            e.Icon = NullToText(rows.value(cIcon));
-            e.Movie = NullToText(rows.value(cMovie));
-            e.Instruct0 = NullToText(rows.value(cI0));
-            e.Instruct1 = NullToText(rows.value(cI1));
-            e.Instruct2 = NullToText(rows.value(cI2));
-            e.Picture0 = NullToText(rows.value(cP0));
-            e.Picture1 = NullToText(rows.value(cP1));
-            e.Picture2 = NullToText(rows.value(cP2));
-            e.Code = RequiredText(rows.value(cCode), "code");
-            e.ExerciseID = RequiredInt32(rows.value(cId), "ExerciseID");
-            e.Hold = RequiredInt16(rows.value(cHold), "Hold");
-            e.Reps = RequiredInt16(rows.value(cReps), "Reps");
-            e.Sets = RequiredInt16(rows.value(cSets), "Sets");
-            e.HasVideo = RequiredBool(rows.value(cHasVideo), "HasVideo");
-            e.VideoReps = NullToInt(rows.value(cVReps));
-            e.VideoHold = NullToInt(rows.value(cVHold));
-            e.VideoSets = NullToInt(rows.value(cVSets));
+            reader.Read(rows, e);
         } catch (...) {
             RethrowAt(QStringLiteral("the database %1, table Exercise, the row of InvoiceID %2 "
                                      "and RankOnTape %3")
