@@ -1,7 +1,7 @@
 // Builds the delivered files from the source data of content/: the three databases
-// ("Tarvex.MDB", "Exercise Library.MDB", "Picklist.MDB"), the two texts, and the two
-// companions the database upgrade reads: "Video.MDB" (the video data of every library
-// exercise) and "TVX Exercise Library.MDB" (the library as the 3.6 release delivered it).
+// ("Tarvex.MDB" with the delivered protocols, "Exercise Library.MDB", "Picklist.MDB"), the two
+// texts, and the two companions the database upgrade reads: "Video.MDB" (the video data of every
+// library exercise) and "TVX Exercise Library.MDB" (the library as the 3.6 release delivered it).
 //
 //   make_templates --content DIR --out DIR
 
@@ -78,6 +78,29 @@ QVariant MediaName(bool present, const QString& name) {
     return present ? QVariant(name) : QVariant(QString());
 }
 
+// The columns of an exercise that a library row and a protocol's copy of it share, apart
+// from its repetitions, hold and sets: texts, media names, instructions and video.
+ColumnValues SharedColumns(const QStringList& f) {
+    const QString id = f[0];
+    const bool hasVideo = f[13] == QLatin1String("1");
+    return {{"ExerciseID", id.toInt()},
+            {"code", f[1]},
+            {"Desc", f[2]},
+            {"AbbrevDesc", f[3]},
+            {"Movie", MediaName(hasVideo, id + QStringLiteral(".AVI"))},
+            {"Icon", id + QStringLiteral(".JPG")},
+            {"Picture0", MediaName(!f[10].isEmpty(), id + QStringLiteral("_1.JPG"))},
+            {"Picture1", MediaName(!f[11].isEmpty(), id + QStringLiteral("_2.JPG"))},
+            {"Picture2", MediaName(!f[12].isEmpty(), id + QStringLiteral("_3.JPG"))},
+            {"Instruct0", f[10]},
+            {"Instruct1", f[11]},
+            {"Instruct2", f[12]},
+            {"HasVideo", hasVideo ? 1 : 0},
+            {"VideoReps", f[14].toInt()},
+            {"VideoHold", f[15].toInt()},
+            {"VideoSets", f[16].toInt()}};
+}
+
 void FillLibrary(QSqlDatabase& db, const QList<QStringList>& rows, const QString& version) {
     CreateLibrarySchema(db);
     Transaction transaction(db);
@@ -87,34 +110,18 @@ void FillLibrary(QSqlDatabase& db, const QList<QStringList>& rows, const QString
         id.toInt(&ok);
         if (!ok)
             throw Failure{QStringLiteral("exercise number \"%1\" is not a number").arg(id)};
-        const bool hasVideo = f[13] == QLatin1String("1");
-        InsertRow(db, QStringLiteral("ExerciseLibrary"),
-                  {{"ExerciseID", f[0].toInt()},
-                   {"code", f[1]},
-                   {"Desc", f[2]},
-                   {"AbbrevDesc", f[3]},
-                   {"Reps", f[4].toInt()},
-                   {"Hold", f[5].toInt()},
-                   {"Sets", f[6].toInt()},
-                   {"Joint", f[7]},
-                   {"Motion", f[8]},
-                   {"Type", f[9]},
-                   {"Movie", MediaName(hasVideo, id + QStringLiteral(".AVI"))},
-                   {"Icon", id + QStringLiteral(".JPG")},
-                   {"Picture0", MediaName(!f[10].isEmpty(), id + QStringLiteral("_1.JPG"))},
-                   {"Picture1", MediaName(!f[11].isEmpty(), id + QStringLiteral("_2.JPG"))},
-                   {"Picture2", MediaName(!f[12].isEmpty(), id + QStringLiteral("_3.JPG"))},
-                   {"IconSrc", 0},
-                   {"Picture0Src", QString()},
-                   {"Picture1Src", QString()},
-                   {"Picture2Src", QString()},
-                   {"Instruct0", f[10]},
-                   {"Instruct1", f[11]},
-                   {"Instruct2", f[12]},
-                   {"HasVideo", hasVideo ? 1 : 0},
-                   {"VideoReps", f[14].toInt()},
-                   {"VideoHold", f[15].toInt()},
-                   {"VideoSets", f[16].toInt()}});
+        ColumnValues values = SharedColumns(f);
+        values.insert(values.end(), {{"Reps", f[4].toInt()},
+                                     {"Hold", f[5].toInt()},
+                                     {"Sets", f[6].toInt()},
+                                     {"Joint", f[7]},
+                                     {"Motion", f[8]},
+                                     {"Type", f[9]},
+                                     {"IconSrc", 0},
+                                     {"Picture0Src", QString()},
+                                     {"Picture1Src", QString()},
+                                     {"Picture2Src", QString()}});
+        InsertRow(db, QStringLiteral("ExerciseLibrary"), values);
     }
     transaction.Commit();
     WriteVersion(db, version);
@@ -133,6 +140,35 @@ void FillVideo(QSqlDatabase& db, const QList<QStringList>& rows) {
                    {"VideoReps", f[14].toInt()},
                    {"VideoHold", f[15].toInt()},
                    {"VideoSets", f[16].toInt()}});
+    transaction.Commit();
+}
+
+// The delivered protocols: each row names a protocol, a library exercise and its
+// repetitions, hold and sets; the rest of the exercise is copied from the library row, as
+// a protocol keeps a full copy of each exercise.
+void FillProtocols(QSqlDatabase& db, const QList<QStringList>& rows,
+                   const QList<QStringList>& library) {
+    QHash<QString, QStringList> exercises;
+    for (const QStringList& f : library)
+        exercises.insert(f[0], f);
+    Transaction transaction(db);
+    QHash<QString, qint64> protocols;
+    QHash<QString, int> ranks;
+    for (const QStringList& f : rows) {
+        if (!exercises.contains(f[1]))
+            throw Failure{
+                QStringLiteral("protocol \"%1\": no exercise %2 in the library").arg(f[0], f[1])};
+        const QStringList e = exercises.value(f[1]);
+        if (!protocols.contains(f[0]))
+            protocols.insert(f[0], InsertRow(db, QStringLiteral("Protocol"), {{"Name", f[0]}}));
+        ColumnValues values = SharedColumns(e);
+        values.insert(values.end(), {{"ProtocolID", protocols.value(f[0])},
+                                     {"RankOnTape", ranks[f[0]]++},
+                                     {"Reps", f[2].toInt()},
+                                     {"Hold", f[3].toInt()},
+                                     {"Sets", f[4].toInt()}});
+        InsertRow(db, QStringLiteral("ProtocolExercise"), values);
+    }
     transaction.Commit();
 }
 
@@ -172,11 +208,13 @@ int main(int argc, char** argv) {
             throw Failure{QStringLiteral("cannot create %1").arg(out.path())};
         const auto library = ReadTable(content.filePath(QStringLiteral("library.tsv")), 17);
         const auto picklists = ReadTable(content.filePath(QStringLiteral("picklists.tsv")), 2);
+        const auto protocols = ReadTable(content.filePath(QStringLiteral("protocols.tsv")), 5);
         MakeDatabase(out.filePath(QLatin1String(kLibraryDbFile)), [&](QSqlDatabase& db) {
             FillLibrary(db, library, QLatin1String(kCurrentDatabaseVersion));
         });
-        MakeDatabase(out.filePath(QLatin1String(kProgramDbFile)), [](QSqlDatabase& db) {
+        MakeDatabase(out.filePath(QLatin1String(kProgramDbFile)), [&](QSqlDatabase& db) {
             CreateProgramSchema(db);
+            FillProtocols(db, protocols, library);
             WriteVersion(db, QLatin1String(kCurrentDatabaseVersion));
         });
         MakeDatabase(out.filePath(QLatin1String(kPicklistDbFile)),
@@ -192,9 +230,11 @@ int main(int argc, char** argv) {
                  out.filePath(QStringLiteral("TIPOFDAY.TXT")));
         CopyText(content.filePath(QStringLiteral("Patient Instructions.Doc")),
                  out.filePath(QStringLiteral("Patient Instructions.Doc")));
-        std::printf("make_templates: %lld exercises, %lld picklist entries -> %s\n",
+        std::printf("make_templates: %lld exercises, %lld picklist entries, %lld protocol rows "
+                    "-> %s\n",
                     static_cast<long long>(library.size()),
-                    static_cast<long long>(picklists.size()), qPrintable(out.path()));
+                    static_cast<long long>(picklists.size()),
+                    static_cast<long long>(protocols.size()), qPrintable(out.path()));
     } catch (const Failure& failure) {
         std::fprintf(stderr, "make_templates: %s\n", qPrintable(failure.message));
         return 1;

@@ -86,8 +86,11 @@ TEST(Databases, DeletingAProtocolOrALabelRemovesItsRows) {
     QSqlDatabase& db = folder.state.Dbs.ProgramDb;
     const qint64 protocol = InsertRow(db, "Protocol", {{"Name", "Knee replacement, week 1"}});
     InsertRow(db, "ProtocolExercise", {{"ProtocolID", protocol}, {"RankOnTape", 0}});
+    const QString rows =
+        QStringLiteral("SELECT COUNT(*) FROM ProtocolExercise WHERE ProtocolID=%1").arg(protocol);
+    EXPECT_EQ(Count(db, rows), 1);
     Execute(db, QStringLiteral("DELETE * FROM Protocol WHERE ProtocolID=%1").arg(protocol));
-    EXPECT_EQ(Count(db, "SELECT COUNT(*) FROM ProtocolExercise"), 0);
+    EXPECT_EQ(Count(db, rows), 0);
 
     QSqlDatabase& picklists = folder.state.Dbs.PicklistDb;
     EXPECT_GT(Count(picklists, "SELECT COUNT(*) FROM Level1"), 0);
