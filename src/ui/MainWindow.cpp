@@ -16,6 +16,7 @@
 #include "ui/ProgramListDialog.h"
 #include "ui/ScreenFit.h"
 #include "ui/SplashDialog.h"
+#include "ui/ToolsCommands.h"
 #include "ui/WorkspaceWindow.h"
 
 #include <QAction>
@@ -76,6 +77,8 @@ MainWindow::MainWindow(AppState& state, ISettingsStore& store, SingleInstanceLoc
     IPrintDialog& printDialog = *this;
     shell_ = std::make_unique<Shell>(state_, toolbar_, menu_, status_, title_, printDialog);
     programs_ = std::make_unique<ProgramStore>(state_, *shell_, prompter_);
+    RegisterProtocolCommands(*this, state_);
+    RegisterPicklistCommands(*this, state_);
     // The sheets are laid out on 8.5 by 11 inch paper; the printer dialog can change it.
     printer_.setPageSize(QPageSize(QPageSize::Letter));
     resize(1024, 720);
@@ -184,8 +187,8 @@ void MainWindow::BuildMenu() {
 
     QMenu* tools = menuBar()->addMenu(QStringLiteral("&Tools"));
     menu_.Add(QStringLiteral("mnuTools"), tools->menuAction());
-    later(AddMenuEntry(tools, "mnuEditPicklist", "Pick&list Editor"), "The picklist editor");
-    later(AddMenuEntry(tools, "mnuProtocolEditor", "&Protocol Editor"), "The protocol editor");
+    AddMenuEntry(tools, "mnuEditPicklist", "Pick&list Editor");
+    AddMenuEntry(tools, "mnuProtocolEditor", "&Protocol Editor");
     later(AddMenuEntry(tools, "mnuLibrary", "&Exercise Library"), "The exercise library");
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
@@ -358,6 +361,10 @@ void MainWindow::PlaceDialog(QWidget* dialog) const {
         dialog->adjustSize();
     const QPoint offset = CenterForm(dialog->frameGeometry().size(), true, mdi_->width(), QSize());
     dialog->move(mdi_->mapToGlobal(offset));
+}
+
+void MainWindow::SetMenuCommand(const QString& key, const std::function<void()>& command) {
+    connect(menu_.Action(key), &QAction::triggered, this, Guarded(command));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

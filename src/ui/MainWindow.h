@@ -8,6 +8,7 @@
 
 #include <QMainWindow>
 #include <QPrinter>
+#include <functional>
 #include <memory>
 
 class QMdiArea;
@@ -42,6 +43,9 @@ public:
 
     // Places a dialog of the main window as every form is placed when it opens.
     void PlaceDialog(QWidget* dialog) const;
+    // Runs the command, guarded, when the menu entry of the key is chosen: each subsystem
+    // registers its own commands.
+    void SetMenuCommand(const QString& key, const std::function<void()>& command);
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -11,6 +11,7 @@
 #include "ui/ChoicePaneWidget.h"
 #include "ui/ExerciseParamsDialog.h"
 #include "ui/ProgressWindow.h"
+#include "ui/ProtocolWindows.h"
 #include "ui/ScreenFit.h"
 #include "ui/SlotPaneWidget.h"
 
@@ -61,6 +62,14 @@ WorkspaceWindow::WorkspaceWindow(AppState& state, Shell& shell, Prompter& prompt
     SelectionWorkspace::Services services;
     services.InitListBoxes = [this] { filter_->InitListBoxes(); };
     services.LoadComboBox = [this](IComboBox& box) { tarvex::LoadComboBox(state_, box); };
+    services.AddNewProtocol = [this] {
+        if (OnAddNewProtocol)
+            OnAddNewProtocol();
+    };
+    services.SaveEditedProtocol = [this] {
+        if (OnSaveEditedProtocol)
+            OnSaveEditedProtocol();
+    };
     IWorkspaceView& view = *this;
     logic_ = std::make_unique<SelectionWorkspace>(state, shell, prompter, programs, view, *choices_,
                                                   provider_, usage_, services);
@@ -303,12 +312,16 @@ void WorkspaceWindow::OpenParams() {
     dialog.exec();
 }
 void WorkspaceWindow::OpenProtocolSelection() {
-    prompter_.MsgBox(QStringLiteral("Protocols are not available in this release."),
-                     msg::Information, QStringLiteral("Protocol"));
-    show();
+    // The selection belongs to the main window: the workspace is hidden while it is open.
+    auto* dialog = new ProtocolSelectionDialog(state_, prompter_, ProtocolHost(), parentWidget());
+    protocolSelection_ = dialog;
+    dialog->adjustSize();
+    dialog->move(geometry().center() - dialog->rect().center());
+    dialog->show();
 }
 void WorkspaceWindow::HideWindow() {
     hide();
+    emit VisitEnded();
 }
 void WorkspaceWindow::SetBusy(bool busy) {
     if (busy)
@@ -355,6 +368,29 @@ void WorkspaceWindow::SetSelExFromTmp(int16_t slot) {
 }
 void WorkspaceWindow::ShowSlotCaption(int16_t slot, const QString& caption) {
     slots_->SetSlotCaption(slot, caption);
+}
+
+// --- IProtocolWorkspace
+
+void WorkspaceWindow::ClearSelectedExercises() {
+    logic_->ClearSelectedExercises();
+}
+void WorkspaceWindow::LoadSelectedExs() {
+    logic_->LoadSelectedExs();
+}
+void WorkspaceWindow::OpenForProtocol(WorkspacePurpose mode) {
+    LoadOnce();
+    state_.WorkspaceMode = mode;
+    show();
+    raise();
+    activateWindow();
+    logic_->InitExerciseSelection(false);
+    logic_->Activate();
+}
+void WorkspaceWindow::ShowAgain() {
+    show();
+    raise();
+    activateWindow();
 }
 
 } // namespace tarvex

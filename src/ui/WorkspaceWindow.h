@@ -3,8 +3,10 @@
 #include "exercise/ExerciseParamsLogic.h"
 #include "exercise/LibraryFilter.h"
 #include "exercise/SelectionWorkspace.h"
+#include "protocol/ProtocolEditorLogic.h"
 #include "ui/QtControls.h"
 
+#include <QPointer>
 #include <QWidget>
 #include <memory>
 
@@ -27,7 +29,8 @@ class WorkspaceWindow : public QWidget,
                         private IWorkspaceView,
                         private IFilterHost,
                         private IProgressSink,
-                        private IParamsTarget {
+                        private IParamsTarget,
+                        private IProtocolWorkspace {
     Q_OBJECT
 public:
     WorkspaceWindow(AppState& state, Shell& shell, Prompter& prompter, ProgramStore& programs,
@@ -47,9 +50,22 @@ public:
     QPushButton* Button(const QString& name) const;
     QComboBox* ProviderBox() const { return cboProvider_; }
     QComboBox* UsageBox() const { return cboUsage_; }
+    // The protocol selection while it is open.
+    QWidget* ProtocolSelection() const { return protocolSelection_; }
 
     // Shows the parameter dialog modally (a test may replace it).
     std::function<void()> OnOpenParams;
+
+    // The workspace as the protocol windows use it.
+    IProtocolWorkspace& ProtocolHost() { return *this; }
+    // What the OK of a visit for a new or a stored protocol runs: the open protocol
+    // editor's AddNewProtocol and SaveEditedProtocol.
+    std::function<void()> OnAddNewProtocol;
+    std::function<void()> OnSaveEditedProtocol;
+
+signals:
+    // The window hid at the end of a visit.
+    void VisitEnded();
 
 protected:
     bool event(QEvent* event) override;
@@ -89,6 +105,11 @@ private:
     // IParamsTarget
     void SetSelExFromTmp(int16_t slot) override;
     void ShowSlotCaption(int16_t slot, const QString& caption) override;
+    // IProtocolWorkspace
+    void ClearSelectedExercises() override;
+    void LoadSelectedExs() override;
+    void OpenForProtocol(WorkspacePurpose mode) override;
+    void ShowAgain() override;
 
     void BuildLayout();
     QWidget* BuildSidePanel();
@@ -96,6 +117,7 @@ private:
     AppState& state_;
     Shell& shell_;
     Prompter& prompter_;
+    QPointer<QWidget> protocolSelection_;
     ChoicePaneWidget* choices_;
     SlotPaneWidget* slots_;
     std::array<QListWidget*, 3> viewLists_{};

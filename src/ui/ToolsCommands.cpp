@@ -1,0 +1,51 @@
+#include "ui/ToolsCommands.h"
+
+#include "ui/MainWindow.h"
+#include "ui/PicklistEditorDialog.h"
+#include "ui/ProtocolWindows.h"
+#include "ui/WorkspaceWindow.h"
+
+#include "support/Fault.h"
+
+#include <QPointer>
+#include <memory>
+
+namespace tarvex {
+
+namespace {
+
+// Shows the window that is open already, or makes one with make and shows it placed.
+template <typename Make> void OpenOnce(MainWindow& window, QPointer<QWidget>& open, Make make) {
+    if (open) {
+        open->raise();
+        open->activateWindow();
+        return;
+    }
+    QWidget* dialog = make();
+    open = dialog;
+    window.PlaceDialog(dialog);
+    dialog->show();
+}
+
+} // namespace
+
+void RegisterProtocolCommands(MainWindow& window, AppState& state) {
+    auto open = std::make_shared<QPointer<QWidget>>();
+    window.SetMenuCommand(QStringLiteral("mnuProtocolEditor"), [&window, &state, open] {
+        OpenOnce(window, *open, [&] {
+            if (!window.Workspace())
+                throw Fault(QStringLiteral("The selection workspace is not loaded yet."));
+            return new ProtocolEditorDialog(state, window.ShellLogic(), window.Prompts(),
+                                            *window.Workspace(), &window);
+        });
+    });
+}
+
+void RegisterPicklistCommands(MainWindow& window, AppState& state) {
+    auto open = std::make_shared<QPointer<QWidget>>();
+    window.SetMenuCommand(QStringLiteral("mnuEditPicklist"), [&window, &state, open] {
+        OpenOnce(window, *open, [&] { return new PicklistEditorDialog(state, &window); });
+    });
+}
+
+} // namespace tarvex
