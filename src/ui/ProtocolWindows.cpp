@@ -64,7 +64,7 @@ ProtocolEditorDialog::ProtocolEditorDialog(AppState& state, Shell& shell, Prompt
                          {QStringLiteral("OK"), QStringLiteral("New"), QStringLiteral("Edit"),
                           QStringLiteral("Delete")},
                          parent),
-      workspace_(workspace) {
+      workspace_(&workspace) {
     logic_ = std::make_unique<ProtocolEditorLogic>(state, shell, prompter, combo_, list_,
                                                    workspace.ProtocolHost());
     // The workspace's OK for a protocol comes back here; the editor waits for it.
@@ -75,8 +75,10 @@ ProtocolEditorDialog::ProtocolEditorDialog(AppState& state, Shell& shell, Prompt
 }
 
 ProtocolEditorDialog::~ProtocolEditorDialog() {
-    workspace_.OnAddNewProtocol = nullptr;
-    workspace_.OnSaveEditedProtocol = nullptr;
+    if (workspace_) {
+        workspace_->OnAddNewProtocol = nullptr;
+        workspace_->OnSaveEditedProtocol = nullptr;
+    }
 }
 
 void ProtocolEditorDialog::Run(const QString& tag) {
@@ -84,7 +86,8 @@ void ProtocolEditorDialog::Run(const QString& tag) {
     if (opens)
         setEnabled(false);
     bool unload = false;
-    if (!RunGuarded([&] { unload = logic_->cmdOKCancel(tag); }) && opens && workspace_.isHidden())
+    if (!RunGuarded([&] { unload = logic_->cmdOKCancel(tag); }) && opens &&
+        (!workspace_ || workspace_->isHidden()))
         setEnabled(true);
     if (unload)
         EndByButton();

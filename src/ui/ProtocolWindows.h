@@ -5,6 +5,7 @@
 #include "ui/FormDialog.h"
 #include "ui/QtControls.h"
 
+#include <QPointer>
 #include <memory>
 
 class QComboBox;
@@ -12,6 +13,8 @@ class QListWidget;
 class QPushButton;
 
 namespace tarvex {
+
+class WorkspaceWindow;
 
 // What the two protocol windows look alike in: "Protocol Name:" with its combo,
 // "Exercises:" with the list of the chosen protocol, and a column of tagged buttons.
@@ -41,7 +44,7 @@ class ProtocolEditorDialog : public ProtocolListWindow {
     Q_OBJECT
 public:
     ProtocolEditorDialog(AppState& state, Shell& shell, Prompter& prompter,
-                         class WorkspaceWindow& workspace, QWidget* parent = nullptr);
+                         WorkspaceWindow& workspace, QWidget* parent = nullptr);
     ~ProtocolEditorDialog() override;
 
     ProtocolEditorLogic& Logic() { return *logic_; }
@@ -53,7 +56,8 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    class WorkspaceWindow& workspace_;
+    // The main window may take the workspace down before this window when both close.
+    QPointer<WorkspaceWindow> workspace_;
     std::unique_ptr<ProtocolEditorLogic> logic_;
 };
 
