@@ -5,9 +5,11 @@
 #include "ui/ItemsDialog.h"
 #include "ui/MainWindowRun.h"
 #include "ui/PatientDialogs.h"
+#include "ui/PicklistEditorDialog.h"
 #include "ui/PreferencesDialog.h"
 #include "ui/PrintPreviewDialog.h"
 #include "ui/ProgramListDialog.h"
+#include "ui/ProtocolWindows.h"
 #include "ui/WorkspaceWindow.h"
 #include <QPushButton>
 
@@ -155,6 +157,42 @@ TEST_F(ScreenFit, TheProgramListAndTheVideoOrder) {
     dialog->show();
     ExpectFits(dialog, "video");
     dialog->close();
+}
+
+TEST_F(ScreenFit, TheProtocolWindowsAndThePicklistEditor) {
+    Window w;
+    w.window.show();
+    w.window.MenuCommands().Action("mnuProtocolEditor")->trigger();
+    QPointer<QDialog> dialog = Opened<ProtocolEditorDialog>(w);
+    ASSERT_FALSE(dialog.isNull());
+    dialog->show();
+    ExpectFits(dialog, "protocol-editor");
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(dialog.isNull());
+
+    w.window.MenuCommands().Action("mnuEditPicklist")->trigger();
+    dialog = Opened<PicklistEditorDialog>(w);
+    ASSERT_FALSE(dialog.isNull());
+    dialog->show();
+    ExpectFits(dialog, "picklist-editor");
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(dialog.isNull());
+
+    w.ChooseOkafor(4);
+    QTest::qWait(800);
+    w.window.ToolbarCommands().Action("Exercises")->trigger();
+    WorkspaceWindow* workspace = w.window.Workspace();
+    ASSERT_NE(workspace, nullptr);
+    QTest::mouseClick(workspace->Button("cmdProtocol"), Qt::LeftButton);
+    dialog = qobject_cast<QDialog*>(workspace->ProtocolSelection());
+    ASSERT_FALSE(dialog.isNull());
+    ExpectFits(dialog, "protocol-selection");
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    EXPECT_TRUE(workspace->isVisible());
+    QTest::mouseClick(workspace->Button("cmdCancel"), Qt::LeftButton);
+    w.state.Program.Modified = false;
 }
 
 TEST_F(ScreenFit, TheWorkspaceFitsAndShowsMoreColumnsWhenMaximised) {
