@@ -1,7 +1,7 @@
 // Checks of the delivered exercise library and its companions as the build makes them
 // from content/: the rows, their numbers and texts, the media names, the fixed words of
-// the Joint, Motion and Type columns, the versions, the pick lists, the two files the
-// database upgrade reads, and the pose data of the pictures.
+// the Joint, Motion and Type columns, the versions, the pick lists, the protocols, the two
+// files the database upgrade reads, and the pose data of the pictures.
 
 #include "support/TestFolder.h"
 
@@ -269,6 +269,60 @@ TEST(DeliveredLibrary, PicklistsOfferProvidersAndUsagesThatFitTheirField) {
     EXPECT_GE(entries[QStringLiteral("Provider")], 1);
     EXPECT_GE(entries[QStringLiteral("Usage")], 10);
     EXPECT_LE(entries[QStringLiteral("Usage")], 14);
+}
+
+TEST(DeliveredLibrary, ProtocolsAreCopiesOfLibraryExercisesInRankOrder) {
+    ReadOnlyDatabase program(QStringLiteral("Tarvex.MDB"));
+    ASSERT_TRUE(program.IsOpen()) << program.Path().toStdString();
+    ReadOnlyDatabase library(QStringLiteral("Exercise Library.MDB"));
+    ASSERT_TRUE(library.IsOpen()) << library.Path().toStdString();
+    std::map<int, QSqlRecord> exercises;
+    for (const QSqlRecord& row : LibraryRows(library))
+        exercises.emplace(row.value(QStringLiteral("ExerciseID")).toInt(), row);
+
+    const QList<QSqlRecord> protocols =
+        program.Rows(QStringLiteral("SELECT ProtocolID, Name FROM Protocol"));
+    EXPECT_GE(protocols.size(), 12);
+    QSet<QString> names;
+    for (const QSqlRecord& protocol : protocols) {
+        const QString name = Text(protocol, "Name");
+        const std::string where = "protocol " + name.toStdString();
+        EXPECT_FALSE(name.trimmed().isEmpty());
+        EXPECT_FALSE(names.contains(name)) << where;
+        names.insert(name);
+        const QList<QSqlRecord> rows = program.Rows(
+            QStringLiteral("SELECT * FROM ProtocolExercise WHERE ProtocolID = %1 ORDER BY "
+                           "RankOnTape")
+                .arg(protocol.value(0).toInt()));
+        EXPECT_GE(rows.size(), 5) << where;
+        EXPECT_LE(rows.size(), 10) << where;
+        QSet<int> seen;
+        for (int rank = 0; rank < rows.size(); ++rank) {
+            const QSqlRecord& row = rows[rank];
+            EXPECT_EQ(row.value(QStringLiteral("RankOnTape")).toInt(), rank) << where;
+            const int id = row.value(QStringLiteral("ExerciseID")).toInt();
+            EXPECT_FALSE(seen.contains(id)) << where << ": " << id << " twice";
+            seen.insert(id);
+            const auto found = exercises.find(id);
+            ASSERT_NE(found, exercises.end()) << where << ": no exercise " << id;
+            // Every column but the dosage is the library's own.
+            for (const char* column :
+                 {"code", "Desc", "AbbrevDesc", "Movie", "Icon", "Picture0", "Picture1", "Picture2",
+                  "Instruct0", "Instruct1", "Instruct2", "HasVideo", "VideoReps", "VideoHold",
+                  "VideoSets"})
+                EXPECT_EQ(Text(row, column), Text(found->second, column))
+                    << where << ", exercise " << id << ", " << column;
+            const int reps = row.value(QStringLiteral("Reps")).toInt();
+            const int hold = row.value(QStringLiteral("Hold")).toInt();
+            const int sets = row.value(QStringLiteral("Sets")).toInt();
+            EXPECT_GE(reps, 1) << where << ", exercise " << id;
+            EXPECT_LE(reps, 30) << where << ", exercise " << id;
+            EXPECT_GE(hold, 0) << where << ", exercise " << id;
+            EXPECT_LE(hold, 60) << where << ", exercise " << id;
+            EXPECT_GE(sets, 1) << where << ", exercise " << id;
+            EXPECT_LE(sets, 5) << where << ", exercise " << id;
+        }
+    }
 }
 
 TEST(DeliveredLibrary, VideoDatabaseHasTheVideoColumnsOfEveryExercise) {
