@@ -184,7 +184,7 @@ void TreeModel::SetNodeImage(const QString& key, const QString& image) {
     Node* node = Require(key);
     node->image = image;
     const QModelIndex at = IndexOfNode(node);
-    emit dataChanged(at, at, {Qt::DecorationRole, ImageRole});
+    emit dataChanged(at, at, {Qt::DecorationRole, kImageRole});
 }
 
 void TreeModel::ExpandNode(const QString& key) {
@@ -249,9 +249,9 @@ QVariant TreeModel::data(const QModelIndex& index, int role) const {
         return node->text;
     case Qt::DecorationRole:
         return images_.contains(node->image) ? QVariant(images_.value(node->image)) : QVariant();
-    case KeyRole:
+    case kKeyRole:
         return node->key;
-    case ImageRole:
+    case kImageRole:
         return node->image;
     default:
         return {};

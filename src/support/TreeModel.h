@@ -19,8 +19,8 @@ namespace tarvex {
 class TreeModel : public QAbstractItemModel, public ITree {
     Q_OBJECT
 public:
-    static constexpr int KeyRole = Qt::UserRole;
-    static constexpr int ImageRole = Qt::UserRole + 1;
+    static constexpr int kKeyRole = Qt::UserRole;
+    static constexpr int kImageRole = Qt::UserRole + 1;
 
     explicit TreeModel(QObject* parent = nullptr);
     ~TreeModel() override;

@@ -84,8 +84,8 @@ TEST(PicklistEditor, LoadShowsTheStoreAsATreeWithTheRootOpenAndAnEmptyStatus) {
     Editor e;
     EXPECT_EQ(e.tree.ChildKeys("Picklist"), QStringList({"Provider", "Usage"}));
     EXPECT_EQ(e.Texts("Usage"), QStringList({"Twice a day", "Once a day"}));
-    EXPECT_EQ(e.tree.data(e.tree.IndexOf("Picklist"), TreeModel::ImageRole), "open");
-    EXPECT_EQ(e.tree.data(e.tree.IndexOf("Usage"), TreeModel::ImageRole), "closed");
+    EXPECT_EQ(e.tree.data(e.tree.IndexOf("Picklist"), TreeModel::kImageRole), "open");
+    EXPECT_EQ(e.tree.data(e.tree.IndexOf("Usage"), TreeModel::kImageRole), "closed");
     EXPECT_EQ(e.status.PanelText(0), "");
 }
 
@@ -111,9 +111,9 @@ TEST(PicklistEditor, ExpandingOpensANodeAndSortsItsChildrenCollapsingClosesIt) {
     Editor e;
     e.logic.tvwDB_Expand("Usage");
     EXPECT_EQ(e.Texts("Usage"), QStringList({"Once a day", "Twice a day"}));
-    EXPECT_EQ(e.tree.data(e.tree.IndexOf("Usage"), TreeModel::ImageRole), "open");
+    EXPECT_EQ(e.tree.data(e.tree.IndexOf("Usage"), TreeModel::kImageRole), "open");
     e.logic.tvwDB_Collapse("Usage");
-    EXPECT_EQ(e.tree.data(e.tree.IndexOf("Usage"), TreeModel::ImageRole), "closed");
+    EXPECT_EQ(e.tree.data(e.tree.IndexOf("Usage"), TreeModel::kImageRole), "closed");
 }
 
 TEST(PicklistEditor, AddOnTheRootDoesNothingSoNoNewListCanBeMade) {

@@ -39,7 +39,7 @@ TEST(TreeModel, ShowsTheNodesAsRowsUnderTheirParents) {
     EXPECT_EQ(root.data().toString(), "Picklist");
     EXPECT_EQ(t.model.rowCount(root), 2);
     const QModelIndex usage = t.model.index(0, 0, root);
-    EXPECT_EQ(usage.data(TreeModel::KeyRole).toString(), "Usage");
+    EXPECT_EQ(usage.data(TreeModel::kKeyRole).toString(), "Usage");
     EXPECT_EQ(t.model.parent(usage), root);
     EXPECT_EQ(t.model.index(1, 0, usage).data().toString(), "at bedtime");
     EXPECT_EQ(t.model.IndexOf("B3"), t.model.index(1, 0, usage));
@@ -125,7 +125,7 @@ TEST(TreeModel, ImagesAreShownByTheirKeys) {
     red.fill(Qt::red);
     t.model.SetImages({{"open", QIcon(QPixmap::fromImage(red))}});
     t.model.SetNodeImage("Usage", "open");
-    EXPECT_EQ(t.model.data(t.model.IndexOf("Usage"), TreeModel::ImageRole).toString(), "open");
+    EXPECT_EQ(t.model.data(t.model.IndexOf("Usage"), TreeModel::kImageRole).toString(), "open");
     EXPECT_FALSE(t.model.data(t.model.IndexOf("Usage"), Qt::DecorationRole).isNull());
     EXPECT_TRUE(t.model.data(t.model.IndexOf("Provider"), Qt::DecorationRole).isNull());
 }
