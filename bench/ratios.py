@@ -9,6 +9,10 @@ FLOORS = {
     "BM_ReloadChoices": "BM_ReloadChoicesFloor",
     "BM_PdfTwoAPage": "BM_DecodeAndScalePictures",
     "BM_PreviewZoomStep": "BM_DecodeAndScalePictures",
+    "BM_FillcboProtocol": "BM_FillcboProtocolFloor",
+    "BM_LoadLstProtocol": "BM_LoadLstProtocolFloor",
+    "BM_InitSelExsFromProtocol": "BM_InitSelExsFromProtocolFloor",
+    "BM_StoreProtocol": "BM_StoreProtocolFloor",
 }
 TARGETS = {
     "BM_LoadLibraryCache": "within 2x of the floor",
@@ -23,6 +27,12 @@ TARGETS = {
     "BM_DeliveredWorkspacePeakMemory": "peak under 150 MB",
     "BM_PdfTwoAPage": "under 1 s, within 3x of the floor",
     "BM_PreviewZoomStep": "under 0.5 s, within 3x of the floor",
+    "BM_FillcboProtocol": "within 2x of the floor, under 50 ms",
+    "BM_LoadLstProtocol": "within 2x of the floor, under 50 ms",
+    "BM_InitSelExsFromProtocol": "within 2x of the floor, under 50 ms",
+    "BM_StoreProtocol": "within 2x of the floor, under 50 ms",
+    "BM_LoadPicklistTree": "under 200 ms",
+    "BM_SavePicklistTree": "under 200 ms",
 }
 
 with open(sys.argv[1]) as f:

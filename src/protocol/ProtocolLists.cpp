@@ -9,6 +9,7 @@
 #include "support/Prompter.h"
 
 #include <QDir>
+#include <QSqlRecord>
 
 namespace tarvex {
 
@@ -46,9 +47,10 @@ void ProtocolLists::LoadLstProtocol(int32_t protocolID) {
     RunProtocolHandler(
         state_.AppFolder, prompter_, QStringLiteral("Error in LoadLstProtocol"), [&] {
             QSqlQuery rows = OpenQuery(state_.Dbs.ProgramDb, BuildProtocolQuery(protocolID));
+            const int desc = rows.record().indexOf(QStringLiteral("Desc"));
             lstProtocol_.Clear();
             while (rows.next())
-                lstProtocol_.AddItem(NullToText(rows.value(QStringLiteral("Desc"))));
+                lstProtocol_.AddItem(NullToText(rows.value(desc)));
         });
 }
 
