@@ -24,6 +24,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace tarvex {
@@ -99,6 +100,9 @@ WorkspaceWindow::WorkspaceWindow(AppState& state, Shell& shell, Prompter& prompt
             Guarded([this] { logic_->cmdOKCancel(QStringLiteral("OK")); }));
     connect(Button("cmdCancel"), &QPushButton::clicked, this,
             Guarded([this] { logic_->cmdOKCancel(QStringLiteral("Cancel")); }));
+    // Esc is the Cancel button, as in every window of the program.
+    auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    connect(escape, &QShortcut::activated, Button("cmdCancel"), &QPushButton::click);
 }
 
 WorkspaceWindow::~WorkspaceWindow() = default;

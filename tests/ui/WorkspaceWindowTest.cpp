@@ -127,6 +127,20 @@ TEST(WorkspaceWindow, CancelReadsTheStoredProgramBack) {
     EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), ToolbarMode::All);
 }
 
+TEST(WorkspaceWindow, EscIsCancel) {
+    WsRun r;
+    r.window.ToolbarCommands().Action("Exercises")->trigger();
+    SlotPaneWidget* lower = r.W().SlotPane();
+    WsRun::Drop(lower, lower->SlotPictureRect(0).center(), {DragKind::SrcIm, 0});
+    r.W().activateWindow();
+    QTest::keyClick(r.W().ViewList(0), Qt::Key_Escape);
+    EXPECT_EQ(r.state.Program.NumExercises, 0);
+    EXPECT_FALSE(r.W().isVisible());
+    EXPECT_EQ(r.window.ShellLogic().ToolbarMode(), ToolbarMode::All);
+    // Had Esc done nothing, closing would stop to offer the dropped exercise for saving.
+    r.state.Program.Modified = false;
+}
+
 TEST(WorkspaceWindow, ShowAllFoldsTheLibraryAwayAndBack) {
     WsRun r;
     r.window.ToolbarCommands().Action("Exercises")->trigger();
