@@ -42,6 +42,9 @@ ProtocolListWindow::ProtocolListWindow(const QString& name, const QString& capti
         QPushButton* button = AddTaggedButton(this, buttons_, tag);
         connect(button, &QPushButton::clicked, this, Guarded([this, tag] { Run(tag); }));
         column->addWidget(button);
+        // Return in the combo or the list is OK.
+        if (tag == QLatin1String("OK"))
+            button->setDefault(true);
     }
     column->addStretch();
     auto* layout = new QHBoxLayout(this);

@@ -254,6 +254,23 @@ TEST(ProtocolSelectionWindow, EscAndTheCloseBoxAreCancelAndBringTheWorkspaceBack
     }
 }
 
+TEST(ProtocolSelectionWindow, ReturnInTheComboIsOk) {
+    ProtocolRun r;
+    ProtocolEditorDialog* editor = r.OpenEditor();
+    const int32_t id = r.MakeProtocol(editor, "Low back pain", {40, 41, 42, 43});
+    editor->Button("OK")->click();
+    r.ChooseOkafor();
+    r.window.ToolbarCommands().Action("Exercises")->trigger();
+    r.W().Button("cmdProtocol")->click();
+    auto* selection = qobject_cast<ProtocolSelectionDialog*>(r.W().ProtocolSelection());
+    ASSERT_NE(selection, nullptr);
+    ProtocolRun::Choose(selection->cboProtocol, id);
+    QTest::keyClick(selection->cboProtocol, Qt::Key_Return);
+    EXPECT_TRUE(r.W().isVisible());
+    EXPECT_EQ(r.state.Program.NumExercises, 4);
+    EXPECT_EQ(r.state.Program.Exercise(3).ExerciseID, r.Id(43));
+}
+
 TEST(ProtocolEditorWindow, ScreenshotWithADeliveredProtocol) {
     MainWindowRun r; // the delivered protocols stay
     r.window.MenuCommands().Action("mnuProtocolEditor")->trigger();
