@@ -8,6 +8,7 @@
 
 #include <QString>
 #include <cstdint>
+#include <optional>
 
 namespace tarvex {
 
@@ -76,6 +77,10 @@ struct AppState {
     int DragMode = 0;          // 0 "Insert (def)", 1 "Replace"; back to 0 with each library load
     int ParamsFromLibrary = 0; // 1: CurrentChoice indexes the library; 0: a slot of the program
     ExerciseEntry TmpExercise; // holding place for moves and for the dialog's result
+
+    // The library's exercise editor: the number (as the list shows it) of the exercise to
+    // edit, or nothing to add a new one.
+    std::optional<QString> ExerciseNumber;
 };
 
 // The order telephone numbers, fixed at start.
