@@ -21,9 +21,12 @@ void ProtocolLists::FillcboProtocol() {
     cboProtocol_.Clear();
     cboProtocol_.AddItem(QLatin1String(kNoneSelected), 0);
     QSqlQuery rows = OpenQuery(state_.Dbs.ProgramDb, ProtocolNamesQuery());
+    const QSqlRecord record = rows.record();
+    const int name = record.indexOf(QStringLiteral("Name"));
+    const int id = record.indexOf(QStringLiteral("ProtocolID"));
     while (rows.next())
-        cboProtocol_.AddItem(NullToText(rows.value(QStringLiteral("Name"))),
-                             RequiredInt32(rows.value(QStringLiteral("ProtocolID")), "ProtocolID"));
+        cboProtocol_.AddItem(NullToText(rows.value(name)),
+                             RequiredInt32(rows.value(id), "ProtocolID"));
     rows.finish();
     cboProtocol_.SetListIndex(0);
     cboProtocol_Click();

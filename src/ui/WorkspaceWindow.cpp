@@ -385,9 +385,7 @@ void WorkspaceWindow::LoadSelectedExs() {
 void WorkspaceWindow::OpenForProtocol(WorkspacePurpose mode) {
     LoadOnce();
     state_.WorkspaceMode = mode;
-    show();
-    raise();
-    activateWindow();
+    ShowAgain();
     logic_->InitExerciseSelection(false);
     logic_->Activate();
 }
