@@ -127,13 +127,18 @@ bool LibraryFilter::ListHasItem(const QString& item, const IListBox& list) {
     return found;
 }
 
-void LibraryFilter::SplitCommaList(const QString& text) {
-    ParsedItems.clear();
+QStringList SplitCommaItems(const QString& text) {
+    QStringList items;
     for (const QString& piece : text.split(u',')) {
         const QString value = TrimBlanks(piece);
         if (!value.isEmpty())
-            ParsedItems << value;
+            items << value;
     }
+    return items;
+}
+
+void LibraryFilter::SplitCommaList(const QString& text) {
+    ParsedItems = SplitCommaItems(text);
 }
 
 QString LibraryFilter::BuildInClause(const IListBox& list) {

@@ -12,6 +12,10 @@ namespace tarvex {
 struct AppState;
 class IListBox;
 
+// The items of a comma list such as a Joint cell ("Knee, Hip"): cut at each comma, each
+// piece trimmed of blanks, empty pieces dropped.
+QStringList SplitCommaItems(const QString& text);
+
 // What the filter asks of the workspace around it.
 class IFilterHost {
 public:

@@ -48,6 +48,7 @@ void LibraryListLogic::Load() {
 
 void LibraryListLogic::cmdFillListBox_Click() {
     shell_.SetStatusBar(QStringLiteral("Loading Exercise Library"));
+    const ReportFill fill(list_);
     list_.Clear();
     QSqlQuery rows = OpenQuery(state_.Dbs.LibraryDb, QLatin1String(kListSql));
     const QSqlRecord record = rows.record();

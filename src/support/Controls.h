@@ -43,6 +43,23 @@ public:
     virtual void SetSelectedRow(int row) = 0;
     // Sorts the rows by the text of a column, ascending, as a click on its header does.
     virtual void SortByColumn(int column) = 0;
+    // A refill of many rows is bracketed by these (see ReportFill): a list may then take the
+    // rows in without showing each one.
+    virtual void BeginFill() {}
+    virtual void EndFill() {}
+};
+
+// A refill of a report list, from its Clear to its last AddRow: the list is told when it
+// ends, also when a fault ends it early.
+class ReportFill {
+public:
+    explicit ReportFill(IReportList& list) : list_(list) { list_.BeginFill(); }
+    ~ReportFill() { list_.EndFill(); }
+    ReportFill(const ReportFill&) = delete;
+    ReportFill& operator=(const ReportFill&) = delete;
+
+private:
+    IReportList& list_;
 };
 
 // A combo box. SetText returns false when the box holds a fixed list and the text is
