@@ -33,7 +33,9 @@ constexpr int kConversionError = 3421;
 constexpr int kNoCurrentRecord = 3021;
 
 // What a number box writes into its 16-bit column, converted as the engine converts a
-// text: empty writes null, a number is rounded to a whole one, and anything else fails.
+// text: a number is rounded to a whole one, and anything else fails. An empty box writes
+// 0, not null: the selection workspace needs every exercise's three numbers, and a null
+// there would keep the library from loading.
 QVariant NumberBoxValue(const QString& text, const char* column) {
     return AtPlace(
         QStringLiteral("the exercise's \"%1\" box, value \"%2\"").arg(QLatin1String(column), text),

@@ -75,4 +75,9 @@ bool FolderIsWritable(const QString& folder) {
     return info.isDir() && info.isWritable();
 }
 
+bool IsMediaFolder(const QString& folder, const QString& iconFolder, const QString& pictureFolder) {
+    const QString upper = folder.toUpper();
+    return upper == iconFolder.toUpper() || upper == pictureFolder.toUpper();
+}
+
 } // namespace tarvex

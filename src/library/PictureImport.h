@@ -40,4 +40,12 @@ private:
 // True when new files can be written into the folder (it exists and is writable).
 bool FolderIsWritable(const QString& folder);
 
+// The browser's rule for a folder chosen in its folder list: the icon and picture folders
+// of the media are refused. The texts are compared upper-cased and as they stand, so a
+// media folder stored with its final separator never equals the list's path.
+bool IsMediaFolder(const QString& folder, const QString& iconFolder, const QString& pictureFolder);
+
+// The browser's file list: the picture files it offers.
+inline constexpr const char* kBrowserPattern = "*.bmp;*.jpg;*.fpx";
+
 } // namespace tarvex

@@ -79,6 +79,7 @@ MainWindow::MainWindow(AppState& state, ISettingsStore& store, SingleInstanceLoc
     programs_ = std::make_unique<ProgramStore>(state_, *shell_, prompter_);
     RegisterProtocolCommands(*this, state_);
     RegisterPicklistCommands(*this, state_);
+    RegisterLibraryCommands(*this, state_);
     // The sheets are laid out on 8.5 by 11 inch paper; the printer dialog can change it.
     printer_.setPageSize(QPageSize(QPageSize::Letter));
     resize(1024, 720);
@@ -189,7 +190,7 @@ void MainWindow::BuildMenu() {
     menu_.Add(QStringLiteral("mnuTools"), tools->menuAction());
     AddMenuEntry(tools, "mnuEditPicklist", "Pick&list Editor");
     AddMenuEntry(tools, "mnuProtocolEditor", "&Protocol Editor");
-    later(AddMenuEntry(tools, "mnuLibrary", "&Exercise Library"), "The exercise library");
+    AddMenuEntry(tools, "mnuLibrary", "&Exercise Library");
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
     menu_.Add(QStringLiteral("mnuHelp"), help->menuAction());
@@ -407,6 +408,16 @@ void MainWindow::LoadSelectionWorkspace() {
     workspace_->LoadOnce();
     workspace_->show();
     workspace_->hide();
+}
+
+void MainWindow::ReopenDatabasesAndReloadWorkspace() {
+    CloseDatabases(state_);
+    OpenDatabases(state_);
+    // The workspace goes and is made again from the library as it now is.
+    delete workspace_;
+    workspace_ = nullptr;
+    LoadSelectionWorkspace();
+    QCoreApplication::processEvents();
 }
 
 void MainWindow::ShowTip() {

@@ -1,5 +1,6 @@
 #include "ui/ToolsCommands.h"
 
+#include "ui/LibraryWindow.h"
 #include "ui/MainWindow.h"
 #include "ui/PicklistEditorDialog.h"
 #include "ui/ProtocolWindows.h"
@@ -45,6 +46,19 @@ void RegisterPicklistCommands(MainWindow& window, AppState& state) {
     auto open = std::make_shared<QPointer<QWidget>>();
     window.SetMenuCommand(QStringLiteral("mnuEditPicklist"), [&window, &state, open] {
         OpenOnce(window, *open, [&] { return new PicklistEditorDialog(state, &window); });
+    });
+}
+
+void RegisterLibraryCommands(MainWindow& window, AppState& state) {
+    auto open = std::make_shared<QPointer<QWidget>>();
+    window.SetMenuCommand(QStringLiteral("mnuLibrary"), [&window, &state, open] {
+        OpenOnce(window, *open, [&]() -> QWidget* {
+            auto library = std::make_unique<LibraryWindow>(
+                state, window.ShellLogic(), window.Prompts(),
+                [&window] { window.ReopenDatabasesAndReloadWorkspace(); }, &window);
+            library->Open();
+            return library.release();
+        });
     });
 }
 

@@ -12,4 +12,7 @@ void RegisterProtocolCommands(MainWindow& window, AppState& state);
 // The Tools menu's picklist editor, one window at a time.
 void RegisterPicklistCommands(MainWindow& window, AppState& state);
 
+// The Tools menu's exercise library, one window at a time.
+void RegisterLibraryCommands(MainWindow& window, AppState& state);
+
 } // namespace tarvex

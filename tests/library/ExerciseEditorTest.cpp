@@ -230,7 +230,9 @@ TEST(ExerciseEditor, EmptyEverythingSaves) {
     ASSERT_FALSE(row.isEmpty());
     EXPECT_EQ(row.value("Desc").toString(), "");
     EXPECT_EQ(row.value("Joint").toString(), "");
-    EXPECT_TRUE(row.value("Reps").isNull()) << "an empty number box writes null";
+    EXPECT_EQ(row.value("Reps"), QVariant(0)) << "an empty number box writes 0, never null";
+    EXPECT_EQ(row.value("Hold"), QVariant(0));
+    EXPECT_EQ(row.value("Sets"), QVariant(0));
     EXPECT_EQ(row.value("IconSrc").toInt(), 3);
 }
 

@@ -193,3 +193,13 @@ TEST(PictureImport, AFolderThatCannotBeWrittenIsNamedAndNothingIsLeft) {
     }
     EXPECT_EQ(t.Files(), QStringList({"5_1.JPG"}));
 }
+
+TEST(PictureImport, TheBrowserRefusesTheMediaFoldersOnlyWhenStoredWithoutTheirFinalSeparator) {
+    // As the media folders are stored, with the separator at the end, the browser's path
+    // never equals them.
+    EXPECT_FALSE(IsMediaFolder("/data/Tarvex/ICON", "/data/Tarvex/ICON/", "/data/Tarvex/PICTURE/"));
+    // Stored without it, either folder is refused, whatever the case.
+    EXPECT_TRUE(IsMediaFolder("/data/tarvex/icon", "/data/Tarvex/ICON", "/data/Tarvex/PICTURE"));
+    EXPECT_TRUE(IsMediaFolder("/data/Tarvex/Picture", "/data/Tarvex/ICON", "/data/Tarvex/PICTURE"));
+    EXPECT_FALSE(IsMediaFolder("/home/pt/Photos", "/data/Tarvex/ICON", "/data/Tarvex/PICTURE"));
+}
