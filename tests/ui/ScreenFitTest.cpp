@@ -2,7 +2,10 @@
 // the windows that show more when they are bigger (the workspace, the preview) do. Run on a
 // virtual X display with a window manager; each window's screenshot is kept for a look.
 #include "ui/ClinicDialog.h"
+#include "ui/ExerciseEditorDialog.h"
 #include "ui/ItemsDialog.h"
+#include "ui/LibraryWindow.h"
+#include "ui/LoadPictureDialog.h"
 #include "ui/MainWindowRun.h"
 #include "ui/PatientDialogs.h"
 #include "ui/PicklistEditorDialog.h"
@@ -22,6 +25,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPointer>
 #include <QScreen>
 #include <QScrollBar>
@@ -199,6 +203,48 @@ TEST_F(ScreenFit, TheProtocolWindowsAndThePicklistEditor) {
     EXPECT_TRUE(workspace->isVisible());
     QTest::mouseClick(workspace->Button("cmdCancel"), Qt::LeftButton);
     w.state.Program.Modified = false;
+}
+
+TEST_F(ScreenFit, TheLibraryTheExerciseEditorAndThePictureBrowser) {
+    Window w;
+    w.window.show();
+    // The companion picture editor is not beside the tests: its box is answered.
+    QTimer answer;
+    answer.setInterval(20);
+    QObject::connect(&answer, &QTimer::timeout, [&answer] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            answer.stop();
+            box->accept();
+        }
+    });
+    answer.start();
+    w.window.MenuCommands().Action("mnuLibrary")->trigger();
+    QPointer<LibraryWindow> library = Opened<LibraryWindow>(w);
+    ASSERT_FALSE(library.isNull());
+    ExpectFits(library, "exercise-library");
+    const int row = [&] {
+        for (int r = 0; r < library->Model().RowCount(); ++r)
+            if (library->Model().Text(r, 0) == QLatin1String("012"))
+                return r;
+        return 0;
+    }();
+    library->Model().SetSelectedRow(row);
+    QTest::mouseClick(library->Button("Edit"), Qt::LeftButton);
+    QPointer<ExerciseEditorDialog> editor = library->Editor();
+    ASSERT_FALSE(editor.isNull());
+    ExpectFits(editor, "exercise-editor");
+    QTest::keyClick(editor, Qt::Key_Escape);
+    EXPECT_FALSE(editor->isVisible());
+
+    auto* browser = new LoadPictureDialog(w.state, w.window.Prompts(), library);
+    browser->setAttribute(Qt::WA_DeleteOnClose);
+    browser->show();
+    ExpectFits(browser, "picture-browser");
+    QTest::keyClick(browser, Qt::Key_Escape);
+
+    QTest::keyClick(library, Qt::Key_Escape);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(library.isNull());
 }
 
 TEST_F(ScreenFit, TheWorkspaceFitsAndShowsMoreColumnsWhenMaximised) {
