@@ -13,6 +13,9 @@ FLOORS = {
     "BM_LoadLstProtocol": "BM_LoadLstProtocolFloor",
     "BM_InitSelExsFromProtocol": "BM_InitSelExsFromProtocolFloor",
     "BM_StoreProtocol": "BM_StoreProtocolFloor",
+    "BM_FillLibraryList": "BM_FillLibraryListFloor",
+    "BM_FillLibraryListSorted": "BM_FillLibraryListFloor",
+    "BM_MakeIcon": "BM_MakeIconFloor",
 }
 TARGETS = {
     "BM_LoadLibraryCache": "within 2x of the floor",
@@ -33,6 +36,11 @@ TARGETS = {
     "BM_StoreProtocol": "within 2x of the floor, under 50 ms",
     "BM_LoadPicklistTree": "under 200 ms",
     "BM_SavePicklistTree": "under 200 ms",
+    "BM_FillLibraryList": "under 300 ms",
+    "BM_FillLibraryListSorted": "under 300 ms",
+    "BM_LeaveLibrary": "under 1 s",
+    "BM_MakeIcon/0": "under 50 ms",
+    "BM_MakeIcon/1": "under 800 ms",
 }
 
 with open(sys.argv[1]) as f:

@@ -3,6 +3,7 @@
 // scroll through the whole pane, and ReloadChoices against a bare read of the same
 // filtered rows. Also the peak memory of the workspace with the delivered library.
 
+#include "GeneratedLibrary.h"
 #include "data/Databases.h"
 #include "data/Sql.h"
 #include "exercise/LibraryCache.h"
@@ -23,6 +24,7 @@
 #include <sys/resource.h>
 
 using namespace tarvex;
+using tarvex::bench::FillGeneratedLibrary;
 
 namespace {
 
@@ -34,47 +36,11 @@ long PeakKilobytes() {
     return usage.ru_maxrss;
 }
 
-void FillLibrary(tarvex::testing::TestFolder& folder, int rows) {
-    folder.WithDatabase("Exercise Library.MDB", [rows](QSqlDatabase& db) {
-        Transaction t(db);
-        Execute(db, "DELETE * FROM ExerciseLibrary");
-        QSqlQuery insert(db);
-        insert.prepare("INSERT INTO ExerciseLibrary (ExerciseID, code, \"Desc\", AbbrevDesc, Reps, "
-                       "Hold, Sets, "
-                       "Joint, Motion, Type, Movie, Icon, Picture0, HasVideo) VALUES "
-                       "(?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
-        const QStringList joints = {"Neck", "Shoulder", "Hip, Knee", "Ankle", "Lumbar", "Knee"};
-        const QStringList motions = {"Flexion", "Extension", "Abduction", "Rotation"};
-        for (int i = 1; i <= rows; ++i) {
-            const QString icon = QString::number(1 + i % 243) + ".JPG"; // the delivered icons
-            const QVariantList v = {i,
-                                    QString::number(i),
-                                    "Generated exercise " + QString::number(i),
-                                    "Gen " + QString::number(i),
-                                    10,
-                                    0,
-                                    2,
-                                    joints[i % joints.size()],
-                                    motions[i % motions.size()],
-                                    "Strengthening",
-                                    i % 3 ? "" : "1.AVI",
-                                    icon,
-                                    QString::number(i) + "_1.JPG",
-                                    i % 3 ? 0 : 1};
-            for (int k = 0; k < v.size(); ++k)
-                insert.bindValue(k, v[k]);
-            if (!insert.exec())
-                throw std::runtime_error("cannot fill the library");
-        }
-        t.Commit();
-    });
-}
-
 // One workspace window over a folder, loaded as at start-up.
 struct Rig {
     explicit Rig(int rows) : shell(folder.state), store(folder.state, shell.shell, prompter) {
         if (rows > 0)
-            FillLibrary(folder, rows);
+            FillGeneratedLibrary(folder, rows);
         folder.state.Media.Icon = folder.Path() + "/ICON/";
         OpenDatabases(folder.state);
         window = std::make_unique<WorkspaceWindow>(folder.state, shell.shell, prompter, store);
