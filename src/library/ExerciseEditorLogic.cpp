@@ -42,7 +42,7 @@ QVariant NumberBoxValue(const QString& text, const char* column) {
         [&]() -> QVariant {
             const QString trimmed = text.trimmed();
             if (trimmed.isEmpty())
-                return QVariant(QMetaType::fromType<int>());
+                return QVariant(0);
             bool ok = false;
             const double value = QLocale::c().toDouble(trimmed, &ok);
             if (!ok)

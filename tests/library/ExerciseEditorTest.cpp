@@ -230,9 +230,10 @@ TEST(ExerciseEditor, EmptyEverythingSaves) {
     ASSERT_FALSE(row.isEmpty());
     EXPECT_EQ(row.value("Desc").toString(), "");
     EXPECT_EQ(row.value("Joint").toString(), "");
-    EXPECT_EQ(row.value("Reps"), QVariant(0)) << "an empty number box writes 0, never null";
-    EXPECT_EQ(row.value("Hold"), QVariant(0));
-    EXPECT_EQ(row.value("Sets"), QVariant(0));
+    for (const char* column : {"Reps", "Hold", "Sets"}) {
+        EXPECT_FALSE(row.value(column).isNull()) << column << ": an empty number box writes 0";
+        EXPECT_EQ(row.value(column).toInt(), 0) << column;
+    }
     EXPECT_EQ(row.value("IconSrc").toInt(), 3);
 }
 
