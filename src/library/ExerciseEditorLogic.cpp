@@ -31,6 +31,8 @@ constexpr const char* kPictureColumns[] = {"Picture0", "Picture1", "Picture2"};
 constexpr int kConversionError = 3421;
 // "No current record": the row to edit is not there.
 constexpr int kNoCurrentRecord = 3021;
+// "Record is deleted": the row being edited was deleted meanwhile.
+constexpr int kRecordDeleted = 3167;
 
 // What a number box writes into its 16-bit column, converted as the engine converts a
 // text: a number is rounded to a whole one, and anything else fails. An empty box writes
@@ -210,6 +212,20 @@ bool ExerciseEditorLogic::Save() {
     const QVariant reps = NumberBoxValue(c_.txtRepsDef.Text(), "Reps");
     const QVariant hold = NumberBoxValue(c_.txtHoldDef.Text(), "Hold");
     const QVariant sets = NumberBoxValue(c_.txtSetsDef.Text(), "Sets");
+
+    // The library list stays usable beside the editor: the exercise may have been deleted
+    // there meanwhile, and an update would then store nothing.
+    if (!adding_) {
+        QSqlQuery row = ExecPrepared(state_.Dbs.LibraryDb,
+                                     QStringLiteral("SELECT 1 FROM ExerciseLibrary WHERE "
+                                                    "ExerciseID = ?"),
+                                     {exerciseID_});
+        if (!row.next())
+            throw DatabaseFault(QStringLiteral("Record is deleted: exercise %1 is no longer in "
+                                               "the library.")
+                                    .arg(exerciseID_),
+                                kRecordDeleted);
+    }
 
     const auto id = static_cast<int32_t>(exerciseID_);
     const QString number = QString::number(exerciseID_);

@@ -126,6 +126,10 @@ ExerciseEditorDialog* ExerciseEditorDialog::Open(AppState& state, Prompter& prom
         delete dialog;
         return nullptr;
     }
+    // The exercise's first joint is in sight in its list.
+    const QList<QListWidgetItem*> joints = dialog->lstJoint->selectedItems();
+    if (!joints.isEmpty())
+        dialog->lstJoint->scrollToItem(joints.first(), QAbstractItemView::PositionAtTop);
     dialog->adjustSize();
     if (const QScreen* screen = dialog->screen()) {
         const QRect area = screen->availableGeometry();

@@ -67,11 +67,17 @@ void LibraryWindow::BuildLayout() {
                 ListView1->header()->setSortIndicatorShown(true);
                 ListView1->header()->setSortIndicator(column, Qt::AscendingOrder);
             }));
-    // A double click, or Return on the chosen row, edits it.
-    connect(ListView1, &QTreeView::activated, this, Guarded([this] { logic_->cmdEdit_Click(); }));
-    auto* del =
-        new QShortcut(QKeySequence::Delete, ListView1, nullptr, nullptr, Qt::WidgetShortcut);
-    connect(del, &QShortcut::activated, this, Guarded([this] { logic_->cmdDelete_Click(); }));
+    // A double click, or Return on the chosen row, edits it; Delete deletes it.
+    connect(ListView1, &QTreeView::doubleClicked, this,
+            Guarded([this] { logic_->cmdEdit_Click(); }));
+    const auto onKey = [this](const QKeySequence& key, void (LibraryListLogic::*command)()) {
+        auto* shortcut = new QShortcut(key, ListView1, nullptr, nullptr, Qt::WidgetShortcut);
+        connect(shortcut, &QShortcut::activated, this,
+                Guarded([this, command] { (logic_.get()->*command)(); }));
+    };
+    onKey(QKeySequence(Qt::Key_Return), &LibraryListLogic::cmdEdit_Click);
+    onKey(QKeySequence(Qt::Key_Enter), &LibraryListLogic::cmdEdit_Click);
+    onKey(QKeySequence::Delete, &LibraryListLogic::cmdDelete_Click);
 
     auto* column = new QVBoxLayout;
     const QStringList tags = {QStringLiteral("Add"), QStringLiteral("Edit"),

@@ -483,3 +483,18 @@ TEST(ExerciseEditor, TextsAtTheirLimitsAndApostrophesAreStoredAsTyped) {
     EXPECT_EQ(row.value("Instruct0").toString().size(), 75);
     EXPECT_EQ(row.value("Type").toString(), "Patient's own");
 }
+
+TEST(ExerciseEditor, AnExerciseDeletedWhileItIsEditedIsReportedAndNotWrittenAgain) {
+    Editor e;
+    e.AddExercise(100000);
+    e.Edit(100000);
+    e.txtDescription.text = "Changed after the delete";
+    Execute(e.Db(), "DELETE * FROM ExerciseLibrary WHERE ExerciseID = 100000");
+    try {
+        e.logic.cmdOKCancel_Click("OK");
+        FAIL() << "the save of a deleted exercise went through";
+    } catch (const DatabaseFault& fault) {
+        EXPECT_EQ(fault.Number(), 3167);
+    }
+    EXPECT_TRUE(e.Row(100000).isEmpty());
+}

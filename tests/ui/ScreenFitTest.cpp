@@ -229,7 +229,9 @@ TEST_F(ScreenFit, TheLibraryTheExerciseEditorAndThePictureBrowser) {
         return 0;
     }();
     library->Model().SetSelectedRow(row);
-    QTest::mouseClick(library->Button("Edit"), Qt::LeftButton);
+    // Return on the chosen row edits it.
+    library->ListView1->setFocus();
+    QTest::keyClick(library->ListView1, Qt::Key_Return);
     QPointer<ExerciseEditorDialog> editor = library->Editor();
     ASSERT_FALSE(editor.isNull());
     ExpectFits(editor, "exercise-editor");
