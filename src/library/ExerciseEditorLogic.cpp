@@ -135,9 +135,13 @@ void ExerciseEditorLogic::LoadExisting(const QString& number) {
                                                    static_cast<int>(i) + 1));
 }
 
+QSqlQuery ExerciseEditorLogic::DistinctValues(const QString& column) {
+    return OpenQuery(state_.Dbs.LibraryDb, QStringLiteral("SELECT DISTINCT ") + column +
+                                               QStringLiteral(" From ExerciseLibrary"));
+}
+
 void ExerciseEditorLogic::FillComboFromLibrary(IComboBox& combo, const QString& column) {
-    QSqlQuery rows = OpenQuery(state_.Dbs.LibraryDb, QStringLiteral("SELECT DISTINCT ") + column +
-                                                         QStringLiteral(" From ExerciseLibrary"));
+    QSqlQuery rows = DistinctValues(column);
     while (rows.next())
         combo.AddItem(NullToText(rows.value(0)));
 }
@@ -150,8 +154,7 @@ void ExerciseEditorLogic::SelectComboItem(IComboBox& combo, const QString& value
 }
 
 void ExerciseEditorLogic::FillJointList(IListBox& list, const QString& column) {
-    QSqlQuery rows = OpenQuery(state_.Dbs.LibraryDb, QStringLiteral("SELECT DISTINCT ") + column +
-                                                         QStringLiteral(" From ExerciseLibrary"));
+    QSqlQuery rows = DistinctValues(column);
     QSet<QString> present;
     for (int i = 0; i < list.ListCount(); ++i)
         present.insert(list.List(i));

@@ -2,6 +2,7 @@
 
 #include "support/Controls.h"
 
+#include <QSqlQuery>
 #include <QString>
 #include <QStringList>
 #include <array>
@@ -94,6 +95,8 @@ public:
 private:
     void LoadNew();
     void LoadExisting(const QString& number);
+    // Each value of the library column once: "SELECT DISTINCT column From ExerciseLibrary".
+    QSqlQuery DistinctValues(const QString& column);
     void FillComboFromLibrary(IComboBox& combo, const QString& column);
     static void SelectComboItem(IComboBox& combo, const QString& value);
     void FillJointList(IListBox& list, const QString& column);

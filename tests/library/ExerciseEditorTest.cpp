@@ -98,6 +98,12 @@ struct Editor {
         EXPECT_TRUE(image.save(path, "JPEG"));
         return path;
     }
+    // An icon 30 pixels wide, as an earlier save may have left.
+    bool PutOldIcon(qint64 id) {
+        QImage old(30, 30, QImage::Format_RGB32);
+        old.fill(Qt::red);
+        return old.save(IconPath(id), "JPEG");
+    }
     QString IconPath(qint64 id) { return folder.state.Media.Icon + QString::number(id) + ".JPG"; }
     void Edit(qint64 id) {
         folder.state.ExerciseNumber = ExerciseListCode(id);
@@ -367,9 +373,7 @@ TEST(ExerciseEditor, NoIconOptionWritesThreeAndMakesNoIconAndReopeningShowsNoneO
 TEST(ExerciseEditor, TheChosenPictureMakesTheIconSixtyOneWideAndReplacesTheOldOne) {
     Editor e;
     e.AddExercise(100000);
-    QImage old(30, 30, QImage::Format_RGB32);
-    old.fill(Qt::red);
-    ASSERT_TRUE(old.save(e.IconPath(100000), "JPEG"));
+    ASSERT_TRUE(e.PutOldIcon(100000));
     e.PutPicture(100000, 2, {1200, 900});
     e.Edit(100000);
     e.optExIcon[0].value = 0;
@@ -387,9 +391,7 @@ TEST(ExerciseEditor, TheChosenPictureMakesTheIconSixtyOneWideAndReplacesTheOldOn
 TEST(ExerciseEditor, WithTheChosenPictureMissingTheOldIconStays) {
     Editor e;
     e.AddExercise(100000);
-    QImage old(30, 30, QImage::Format_RGB32);
-    old.fill(Qt::red);
-    ASSERT_TRUE(old.save(e.IconPath(100000), "JPEG"));
+    ASSERT_TRUE(e.PutOldIcon(100000));
     e.Edit(100000);
     e.optExIcon[1].value = 1;
     ASSERT_TRUE(e.logic.cmdOKCancel_Click("OK"));

@@ -53,6 +53,17 @@ struct LibraryRun : MainWindowRun {
         library->show();
         return library;
     }
+    // Exercise 100000, "Clinic exercise", with every column the workspace needs.
+    void AddClinicExercise() {
+        InsertRow(state.Dbs.LibraryDb, "ExerciseLibrary",
+                  {{"ExerciseID", 100000},
+                   {"code", "100000"},
+                   {"Desc", "Clinic exercise"},
+                   {"Reps", 10},
+                   {"Hold", 0},
+                   {"Sets", 1},
+                   {"HasVideo", 0}});
+    }
     int LibraryCount() {
         QSqlQuery q = OpenQuery(state.Dbs.LibraryDb, "SELECT COUNT(*) FROM ExerciseLibrary");
         return q.next() ? q.value(0).toInt() : -1;
@@ -128,14 +139,7 @@ TEST(LibraryWindow, OpensFromTheToolsMenuAndEscGivesTheCommandsBack) {
 
 TEST(LibraryWindow, AClickOnAColumnSortsByTextAndTheSortStaysAfterARefill) {
     LibraryRun r;
-    InsertRow(r.state.Dbs.LibraryDb, "ExerciseLibrary",
-              {{"ExerciseID", 100000},
-               {"code", "100000"},
-               {"Desc", "Clinic exercise"},
-               {"Reps", 10},
-               {"Hold", 0},
-               {"Sets", 1},
-               {"HasVideo", 0}});
+    r.AddClinicExercise();
     LibraryWindow* library = r.Open();
     EXPECT_TRUE(r.started.isEmpty()) << "a companion that is not there is not started";
     library->ListView1->header()->sectionClicked(0);
@@ -160,14 +164,7 @@ TEST(LibraryWindow, AClickOnAColumnSortsByTextAndTheSortStaysAfterARefill) {
 
 TEST(LibraryWindow, DeletingAnOriginalIsRefusedAndAClinicExerciseGoesAfterTheQuestion) {
     LibraryRun r;
-    InsertRow(r.state.Dbs.LibraryDb, "ExerciseLibrary",
-              {{"ExerciseID", 100000},
-               {"code", "100000"},
-               {"Desc", "Clinic exercise"},
-               {"Reps", 10},
-               {"Hold", 0},
-               {"Sets", 1},
-               {"HasVideo", 0}});
+    r.AddClinicExercise();
     LibraryWindow* library = r.Open();
     const int rows = library->Model().RowCount();
     library->Model().SetSelectedRow(LibraryRun::RowOf(library, "243"));
