@@ -2,4 +2,4 @@
 # build globs its sources from them and the test that keeps windowing headers out of the
 # core checks the same list, so a new subsystem is added here once.
 set(TARVEX_CORE_FOLDERS support data exercise shell program picklist print protocol library
-    media dbtools)
+    media dbtools link picturebench)

@@ -13,6 +13,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QImageReader>
 #include <QLocale>
 #include <QSet>
 #include <QSqlQuery>
@@ -284,13 +285,74 @@ void ExerciseEditorLogic::Unload() {
 }
 
 void ExerciseEditorLogic::OpenPictureBenchLinks() {
-    // The link to the companion picture editor is opened here; it comes with the
-    // companion program.
+    struct Link {
+        LinkLabel& label;
+        const char* item;
+        LinkMode mode;
+    };
+    const Link links[] = {
+        {c_.links.lblPictSaveFName, "TVXSaveFName", LinkMode::Manual},
+        {c_.links.lblPictOpenFName, "TVXOpenFName", LinkMode::Manual},
+        {c_.links.lblSrcPicture, "StatFileName", LinkMode::Automatic},
+        {c_.links.lblLinkStatus, "TVXLinkStatus", LinkMode::Notify},
+    };
+    try {
+        for (const Link& link : links) {
+            if (link.label.Mode() != LinkMode::None)
+                continue;
+            link.label.SetLinkTopic(QLatin1String(kPictureBenchTopic));
+            link.label.SetLinkItem(QLatin1String(link.item));
+            link.label.SetLinkMode(link.mode);
+        }
+    } catch (const Fault& fault) {
+        const QString title = QStringLiteral("Error Calling Picture Bench");
+        if (fault.Number() == LinkFault::kNoServer)
+            prompter_.MsgBox(QStringLiteral("Can't find TVX Picture Bench"), msg::Exclamation,
+                             title);
+        else
+            prompter_.MsgBox(QStringLiteral("Error%1 %2").arg(fault.Number()).arg(fault.Message()),
+                             msg::Exclamation, title);
+    }
 }
 
-void ExerciseEditorLogic::imgPicture_DblClick(int /*index*/) {
-    // The picture is handed to the companion picture editor here; it comes with the
-    // companion program.
+void ExerciseEditorLogic::imgPicture_DblClick(int index) {
+    if (index < 0 || index > 2)
+        throw BoundsFault(QStringLiteral("There is no picture %1 on the form.").arg(index));
+    state_.PictureNumber = index + 1;
+    pictureIndex_ = index;
+    LinkLabel& open = c_.links.lblPictOpenFName;
+    open.SetCaption(pictureSource_[static_cast<size_t>(index)]);
+    try {
+        open.LinkPoke();
+    } catch (const Fault& fault) {
+        if (fault.Number() == LinkFault::kNoChannel)
+            prompter_.MsgBox(QStringLiteral("Picture Bench is not running.\nYou must exit and "
+                                            "restart the exercise library editor."),
+                             msg::Information, QStringLiteral("Error: Can't Edit Image."));
+        else
+            prompter_.MsgBox(
+                QStringLiteral("Error: %1 %2").arg(fault.Number()).arg(fault.Message()),
+                msg::Information, QStringLiteral("Error: imgPicture_DblClick"));
+        return;
+    }
+    LinkLabel& save = c_.links.lblPictSaveFName;
+    save.SetCaption(PictureFileName(state_.Media, static_cast<int32_t>(exerciseID_), index + 1));
+    save.LinkPoke(); // a fault here is the run-time's to report
+}
+
+void ExerciseEditorLogic::lblLinkStatus_LinkNotify() {
+    pictureSource_[static_cast<size_t>(pictureIndex_)] = c_.links.lblSrcPicture.Caption();
+    // From here on errors are ignored: a picture the companion did not save leaves the
+    // picture on the form as it was.
+    const QString picture =
+        PictureFileName(state_.Media, static_cast<int32_t>(exerciseID_), state_.PictureNumber);
+    if (QImageReader(picture).canRead())
+        c_.imgPicture[static_cast<size_t>(pictureIndex_)]->LoadFile(picture);
+    try {
+        c_.links.lblLinkStatus.LinkRequest();
+    } catch (const Fault&) {
+        // ignored: the status text is not looked at
+    }
 }
 
 QString ExerciseEditorLogic::UnwritableFolderText(const QString& folder) {

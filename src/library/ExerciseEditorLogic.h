@@ -1,5 +1,6 @@
 #pragma once
 
+#include "link/LinkClient.h"
 #include "support/Controls.h"
 
 #include <QSqlQuery>
@@ -13,6 +14,15 @@ namespace tarvex {
 struct AppState;
 class IWindowTitle;
 class Prompter;
+
+// The labels that carry the link to the companion picture editor, by their names on the
+// form. Their captions are the link's data and are shown on the form.
+struct PictureBenchLabels {
+    LinkLabel& lblPictSaveFName; // where the picture is to be saved (poked)
+    LinkLabel& lblPictOpenFName; // the picture's source (poked)
+    LinkLabel& lblSrcPicture;    // the source the companion has in hand (follows it)
+    LinkLabel& lblLinkStatus;    // the companion's status (a notice when it changes)
+};
 
 // The controls of the exercise editor, by their names on the form.
 struct ExerciseEditorControls {
@@ -28,6 +38,7 @@ struct ExerciseEditorControls {
     std::array<ITextBox*, 3> txtPicture; // "Instruct0" to "Instruct2", at most 75 each
     std::array<IPicture*, 3> imgPicture;
     std::array<ICheckBox*, 3> optExIcon; // "Use as selection icon": 1 on, 0 off
+    PictureBenchLabels links;
 };
 
 // What the exercise editor needs of the program around it.
@@ -74,12 +85,23 @@ public:
     // Whatever closed the form: the library list is filled again.
     void Unload();
 
-    // Opens the link to the companion picture editor, when the form loads. The link and
-    // its double click come with the companion program.
+    // The link to the companion picture editor: its service and topic, and the form's
+    // captions for the four labels' values.
+    static constexpr const char* kPictureBenchTopic = "Picture Bench|MDIForm1";
+    static constexpr std::array<const char*, 4> kLinkCaptions = {
+        "Status:", "Source:", "Prev Src:", "SaveAs:"};
+
+    // Opens the links of the four labels to the companion picture editor, when the form
+    // loads. A companion that does not answer is reported once; the form then works
+    // without the link, and the labels not yet linked stay so.
     void OpenPictureBenchLinks();
-    // A double click on one of the three pictures: the picture goes to the companion
-    // picture editor to be edited.
+    // A double click on one of the three pictures: the companion gets the picture's source,
+    // then the file it is to save it as.
     void imgPicture_DblClick(int index);
+    // The companion saved a picture: it belongs to the picture last sent. Its source is
+    // kept, the picture shown anew, and the status taken.
+    void lblLinkStatus_LinkNotify();
+    int PictureIndex() const { return pictureIndex_; }
 
     // The exercise's number, which names its files.
     qint64 ExerciseID() const { return exerciseID_; }
@@ -113,6 +135,7 @@ private:
     bool adding_ = false;
     qint64 exerciseID_ = 0;
     std::array<QString, 3> pictureSource_;
+    int pictureIndex_ = 0;
 };
 
 } // namespace tarvex

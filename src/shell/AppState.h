@@ -81,6 +81,8 @@ struct AppState {
     // The library's exercise editor: the number (as the list shows it) of the exercise to
     // edit, or nothing to add a new one.
     std::optional<QString> ExerciseNumber;
+    // The picture (1 to 3) last sent to the companion picture editor; 0 before any.
+    int32_t PictureNumber = 0;
 };
 
 // The order telephone numbers, fixed at start.

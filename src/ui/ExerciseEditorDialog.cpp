@@ -8,6 +8,7 @@
 #include <QButtonGroup>
 #include <QEvent>
 #include <QFormLayout>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -164,7 +165,10 @@ ExerciseEditorDialog::ExerciseEditorDialog(AppState& state, Prompter& prompter,
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(top);
     layout->addWidget(BuildPictures());
-    layout->addLayout(buttons);
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(BuildLink(), 1);
+    bottom->addLayout(buttons);
+    layout->addLayout(bottom);
 
     pattern_ = std::make_unique<QtComboBox>(cboPattern);
     type_ = std::make_unique<QtComboBox>(cboType);
@@ -193,9 +197,22 @@ ExerciseEditorDialog::ExerciseEditorDialog(AppState& state, Prompter& prompter,
     }
     logic_ = std::make_unique<ExerciseEditorLogic>(
         state, prompter,
-        ExerciseEditorControls{title_, desc, abbrev, reps, hold, sets, *pattern_, *type_, *joints_,
-                               instruct, pictures, options},
+        ExerciseEditorControls{title_,
+                               desc,
+                               abbrev,
+                               reps,
+                               hold,
+                               sets,
+                               *pattern_,
+                               *type_,
+                               *joints_,
+                               instruct,
+                               pictures,
+                               options,
+                               {linkSave_, linkOpen_, linkSource_, linkStatus_}},
         static_cast<IExerciseEditorHost&>(*this));
+    connect(&linkStatus_, &LinkLabel::LinkNotify, this,
+            Guarded([this] { logic_->lblLinkStatus_LinkNotify(); }));
 }
 
 ExerciseEditorDialog::~ExerciseEditorDialog() = default;
@@ -273,6 +290,8 @@ QWidget* ExerciseEditorDialog::BuildPictures() {
         imgPicture[i]->setFrameShape(QFrame::StyledPanel);
         imgPicture[i]->setAlignment(Qt::AlignCenter);
         imgPicture[i]->installEventFilter(this);
+        imgPicture[i]->setToolTip(
+            QStringLiteral("Double-click to edit this picture in Picture Bench"));
         txtPicture[i] = new LimitedTextEdit(ExerciseEditorLogic::kInstructLength, frame);
         txtPicture[i]->setObjectName(QStringLiteral("txtPicture") + n);
         txtPicture[i]->setFixedSize(kPictureSize.width(), 62);
@@ -285,6 +304,43 @@ QWidget* ExerciseEditorDialog::BuildPictures() {
         column->addWidget(optExIcon[i]);
         row->addLayout(column);
     }
+    return frame;
+}
+
+QWidget* ExerciseEditorDialog::BuildLink() {
+    auto* frame = new QGroupBox(QStringLiteral("Picture Bench"), this);
+    frame->setObjectName(QStringLiteral("fraLink"));
+    auto* grid = new QGridLayout(frame);
+    grid->setContentsMargins(6, 2, 6, 2);
+    grid->setVerticalSpacing(0);
+    // A value shows as much of a long path as fits; the whole is in its tool tip.
+    const auto value = [frame](const char* name, LinkLabel& link) {
+        auto* label = new QLabel(frame);
+        label->setObjectName(QLatin1String(name));
+        label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        QObject::connect(&link, &LinkLabel::CaptionChanged, label, [label](const QString& text) {
+            label->setText(text);
+            label->setToolTip(text);
+        });
+        return label;
+    };
+    lblLinkStatus = value("lblLinkStatus", linkStatus_);
+    lblPictOpenFName = value("lblPictOpenFName", linkOpen_);
+    lblSrcPicture = value("lblSrcPicture", linkSource_);
+    lblPictSaveFName = value("lblPictSaveFName", linkSave_);
+    const std::array<QLabel*, 4> values = {lblLinkStatus, lblPictOpenFName, lblSrcPicture,
+                                           lblPictSaveFName};
+    for (size_t i = 0; i < values.size(); ++i) {
+        auto* caption = new QLabel(QLatin1String(ExerciseEditorLogic::kLinkCaptions[i]), frame);
+        caption->setObjectName(QStringLiteral("lblDDE%1").arg(i));
+        const int row = static_cast<int>(i / 2);
+        const int column = static_cast<int>(i % 2) * 2;
+        grid->addWidget(caption, row, column);
+        grid->addWidget(values[i], row, column + 1);
+    }
+    grid->setColumnStretch(1, 1);
+    grid->setColumnStretch(3, 2);
     return frame;
 }
 

@@ -55,6 +55,12 @@ public:
     std::array<LimitedTextEdit*, 3> txtPicture{};
     std::array<QLabel*, 3> imgPicture{};
     std::array<QRadioButton*, 3> optExIcon{};
+    // The values of the link to the companion picture editor, shown under the captions
+    // "Status:", "Source:", "Prev Src:", "SaveAs:".
+    QLabel* lblLinkStatus = nullptr;
+    QLabel* lblPictOpenFName = nullptr;
+    QLabel* lblSrcPicture = nullptr;
+    QLabel* lblPictSaveFName = nullptr;
 
 protected:
     void CancelByFrame() override;
@@ -74,6 +80,7 @@ private:
     QWidget* BuildOptions();
     QWidget* BuildView();
     QWidget* BuildPictures();
+    QWidget* BuildLink();
     void Run(const QString& tag);
 
     AppState& state_;
@@ -87,6 +94,12 @@ private:
     std::vector<std::unique_ptr<ICheckBox>> options_;
     std::unique_ptr<QtComboBox> pattern_, type_;
     std::unique_ptr<QtListBox> joints_;
+    // The link's conversation and labels live as long as the form.
+    LinkChannels linkChannels_;
+    LinkLabel linkSave_{linkChannels_};
+    LinkLabel linkOpen_{linkChannels_};
+    LinkLabel linkSource_{linkChannels_};
+    LinkLabel linkStatus_{linkChannels_};
     std::unique_ptr<ExerciseEditorLogic> logic_;
 };
 

@@ -2,6 +2,7 @@
 
 #include "data/Sql.h"
 #include "fakes/FakeControls.h"
+#include "support/LinkServerThread.h"
 #include "ui/ChoicePaneWidget.h"
 #include "ui/ExerciseEditorDialog.h"
 #include "ui/LoadPictureDialog.h"
@@ -36,8 +37,18 @@ struct LibraryRun : MainWindowRun {
     LibraryRun() {
         QDir(dir.path()).mkpath("PICTURE");
         state.Media.Picture = dir.filePath("PICTURE") + u'/';
+        // The companion picture editor's link answers from a thread, on a socket of the
+        // test's own.
+        qputenv("TARVEX_LINK_DIR", dir.path().toUtf8());
+        companion = std::make_unique<tarvex::testing::LinkServerThread>(
+            "Picture Bench", "MDIForm1", QStringList{"TVXSaveFName", "TVXOpenFName"},
+            QStringList{"StatFileName", "TVXLinkStatus"});
     }
-    ~LibraryRun() { state.Program.Modified = false; }
+    ~LibraryRun() {
+        state.Program.Modified = false;
+        companion.reset();
+        qunsetenv("TARVEX_LINK_DIR");
+    }
 
     // The library window as the Tools menu makes it, with the boxes answered from a script.
     LibraryWindow* Open() {
@@ -87,6 +98,7 @@ struct LibraryRun : MainWindowRun {
     }
 
     ScriptedPrompter prompter;
+    std::unique_ptr<tarvex::testing::LinkServerThread> companion;
     QStringList started;
 };
 

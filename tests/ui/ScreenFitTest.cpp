@@ -208,14 +208,13 @@ TEST_F(ScreenFit, TheProtocolWindowsAndThePicklistEditor) {
 TEST_F(ScreenFit, TheLibraryTheExerciseEditorAndThePictureBrowser) {
     Window w;
     w.window.show();
-    // The companion picture editor is not beside the tests: its box is answered.
+    // The companion picture editor is not beside the tests: its boxes (one from the list,
+    // one from the editor's link) are answered.
     QTimer answer;
     answer.setInterval(20);
-    QObject::connect(&answer, &QTimer::timeout, [&answer] {
-        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-            answer.stop();
+    QObject::connect(&answer, &QTimer::timeout, [] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
             box->accept();
-        }
     });
     answer.start();
     w.window.MenuCommands().Action("mnuLibrary")->trigger();
