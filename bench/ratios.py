@@ -16,6 +16,8 @@ FLOORS = {
     "BM_FillLibraryList": "BM_FillLibraryListFloor",
     "BM_FillLibraryListSorted": "BM_FillLibraryListFloor",
     "BM_MakeIcon": "BM_MakeIconFloor",
+    "BM_PokeRoundTrip": "BM_PokeRoundTripFloor",
+    "BM_OpenCropSave12MP": "BM_OpenCropSave12MPFloor",
 }
 TARGETS = {
     "BM_LoadLibraryCache": "within 2x of the floor",
@@ -41,6 +43,9 @@ TARGETS = {
     "BM_LeaveLibrary": "under 1 s",
     "BM_MakeIcon/0": "under 50 ms",
     "BM_MakeIcon/1": "under 800 ms",
+    "BM_PokeRoundTrip": "median under 2 ms",
+    "BM_NoticeArrival": "median under 2 ms",
+    "BM_OpenCropSave12MP": "under 1 s",
 }
 
 with open(sys.argv[1]) as f:

@@ -92,7 +92,7 @@ QJsonObject LinkConversation::Call(const QString& op, QJsonObject members) {
             socket_->waitForReadyRead(static_cast<int>(qMax<qint64>(1, deadline.remainingTime())));
         Drain();
     }
-    const QJsonObject answer = answers_.take(id);
+    QJsonObject answer = answers_.take(id);
     if (Member(answer, kOp) == QLatin1String("nack"))
         throw LinkFault(QStringLiteral("The server of \"%1|%2\" refused \"%3\": %4")
                             .arg(service_, topic_, op, Member(answer, "error")),

@@ -39,8 +39,7 @@ bool SomeoneListens(const QString& path) {
 } // namespace
 
 LinkServer::LinkServer(QString service, QString topic, QObject* parent)
-    : QObject(parent), service_(std::move(service)), topic_(std::move(topic)),
-      path_(LinkSocketPath(service_)) {}
+    : QObject(parent), service_(std::move(service)), topic_(std::move(topic)) {}
 
 LinkServer::~LinkServer() {
     // The sockets die with the QLocalServer; none may call back into a half-destroyed server.
@@ -51,6 +50,7 @@ LinkServer::~LinkServer() {
 }
 
 bool LinkServer::Listen() {
+    path_ = LinkSocketPath(service_);
     server_ = std::make_unique<QLocalServer>();
     server_->setSocketOptions(QLocalServer::UserAccessOption);
     connect(server_.get(), &QLocalServer::newConnection, this, &LinkServer::OnNewConnection);

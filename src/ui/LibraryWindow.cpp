@@ -179,7 +179,7 @@ QString LibraryWindow::PictureBenchPath() {
 }
 
 QString LibraryWindow::PictureBenchProgram() const {
-    return PictureBenchPath();
+    return pictureBench_;
 }
 
 void LibraryWindow::StartDetached(const QString& program) {

@@ -45,6 +45,9 @@ public:
 
     // The companion picture editor's program, beside this program's own.
     static QString PictureBenchPath();
+    // Where the companion is looked for when the window opens (PictureBenchPath unless
+    // set otherwise, as a test running beside another build tree does).
+    void SetPictureBenchProgram(const QString& program) { pictureBench_ = program; }
 
 protected:
     void reject() override;
@@ -58,6 +61,8 @@ private:
     void ReopenDatabasesAndRebuildWorkspace() override;
 
     void BuildLayout();
+
+    QString pictureBench_ = PictureBenchPath();
     void Run(const QString& tag);
     // Leaving, by Exit or by the frame; not while the editor holds an unsaved exercise.
     void Leave();

@@ -2,6 +2,7 @@
 
 #include "data/Sql.h"
 #include "fakes/FakeControls.h"
+#include "link/LinkWire.h"
 #include "support/LinkServerThread.h"
 #include "ui/ChoicePaneWidget.h"
 #include "ui/ExerciseEditorDialog.h"
@@ -13,17 +14,23 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QDeadlineTimer>
 #include <QDir>
+#include <QFile>
 #include <QHeaderView>
 #include <QImageReader>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QLocalSocket>
 #include <QMessageBox>
+#include <QProcess>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
+#include <QThread>
 #include <QTimer>
 #include <QTreeView>
+#include <csignal>
 #include <gtest/gtest.h>
 
 using namespace tarvex;
@@ -34,15 +41,18 @@ namespace {
 
 // The program with its pictures in a folder of the run, so that new pictures can go there.
 struct LibraryRun : MainWindowRun {
-    LibraryRun() {
+    // The companion's link answers from a thread of the test's own, or, with false, from
+    // nothing until the test starts the real companion.
+    explicit LibraryRun(bool threadCompanion = true) {
         QDir(dir.path()).mkpath("PICTURE");
         state.Media.Picture = dir.filePath("PICTURE") + u'/';
         // The companion picture editor's link answers from a thread, on a socket of the
         // test's own.
         qputenv("TARVEX_LINK_DIR", dir.path().toUtf8());
-        companion = std::make_unique<tarvex::testing::LinkServerThread>(
-            "Picture Bench", "MDIForm1", QStringList{"TVXSaveFName", "TVXOpenFName"},
-            QStringList{"StatFileName", "TVXLinkStatus"});
+        if (threadCompanion)
+            companion = std::make_unique<tarvex::testing::LinkServerThread>(
+                "Picture Bench", "MDIForm1", QStringList{"TVXSaveFName", "TVXOpenFName"},
+                QStringList{"StatFileName", "TVXLinkStatus"});
     }
     ~LibraryRun() {
         state.Program.Modified = false;
@@ -363,4 +373,141 @@ TEST(PictureBrowser, LoadsWithNothingChosenAndRefusesAMediaFolderStoredWithoutIt
     EXPECT_FALSE(browser.LEAD1->pixmap().isNull());
     EXPECT_EQ(browser.StatusPanel->text(), "Ready");
     browser.close();
+}
+
+// The real companion program, run with a script of edits in place of a user.
+class ScriptedCompanion {
+public:
+    explicit ScriptedCompanion(const QString& scriptPath) : script_(scriptPath) {}
+    ~ScriptedCompanion() { Kill(); }
+    ScriptedCompanion(const ScriptedCompanion&) = delete;
+    ScriptedCompanion& operator=(const ScriptedCompanion&) = delete;
+
+    // Starts it as the library window would, detached; the program named must be the
+    // companion's.
+    bool Start(const QString& program) {
+        if (!program.endsWith("tarvex-picture-bench"))
+            return false;
+        return QProcess::startDetached(QStringLiteral(TARVEX_PICTURE_BENCH), {"--script", script_},
+                                       {}, &pid_);
+    }
+    // Waits until it offers its service, at most ten seconds.
+    bool WaitUntilServing() {
+        const QDeadlineTimer deadline(10000);
+        while (!deadline.hasExpired()) {
+            QLocalSocket probe;
+            probe.connectToServer(LinkSocketPath("Picture Bench"));
+            if (probe.waitForConnected(200))
+                return true;
+            QThread::msleep(50);
+        }
+        return false;
+    }
+    // Ends it as a crash would, and waits until its socket no longer answers.
+    void Kill() {
+        if (pid_ <= 0)
+            return;
+        ::kill(static_cast<pid_t>(pid_), SIGKILL);
+        pid_ = 0;
+        const QDeadlineTimer deadline(10000);
+        while (!deadline.hasExpired()) {
+            QLocalSocket probe;
+            probe.connectToServer(LinkSocketPath("Picture Bench"));
+            if (!probe.waitForConnected(200))
+                return;
+            probe.abort();
+            QThread::msleep(50);
+        }
+    }
+
+private:
+    QString script_;
+    qint64 pid_ = 0;
+};
+
+TEST(PictureBenchEndToEnd, ADoubleClickedPictureIsCroppedMarkedAndSavedByTheCompanion) {
+    LibraryRun r(false);
+    r.AddClinicExercise();
+    // A photo of two halves, red and blue, as the picture's source.
+    QImage photo(1600, 1200, QImage::Format_RGB32);
+    photo.fill(Qt::red);
+    for (int y = 0; y < photo.height(); ++y)
+        for (int x = photo.width() / 2; x < photo.width(); ++x)
+            photo.setPixel(x, y, qRgb(0, 0, 255));
+    const QString source = r.dir.filePath("knee photo.jpg");
+    ASSERT_TRUE(photo.save(source, "JPEG", 95));
+    // The row holds an older source; the picture sent is the one stored.
+    QSqlQuery update(r.state.Dbs.LibraryDb);
+    ASSERT_TRUE(update.exec("UPDATE ExerciseLibrary SET Picture1Src = '" + source +
+                            "' WHERE ExerciseID = 100000"));
+    // The user's edits: the middle of the photo, an arrow across it, saved.
+    const QString script = r.dir.filePath("edits.txt");
+    QFile scriptFile(script);
+    ASSERT_TRUE(scriptFile.open(QIODevice::WriteOnly));
+    scriptFile.write("crop 0.25 0.25 0.5 0.5\narrow 0.1 0.9 0.9 0.9\nsave\n");
+    scriptFile.close();
+
+    ScriptedCompanion companion(script);
+    auto* library = new LibraryWindow(
+        r.state, r.window.ShellLogic(), r.prompter,
+        [&r] { r.window.ReopenDatabasesAndReloadWorkspace(); }, &r.window);
+    library->SetPictureBenchProgram(TARVEX_PICTURE_BENCH);
+    library->OnStartDetached = [&](const QString& program) { return companion.Start(program); };
+    library->Open();
+    library->show();
+    ASSERT_TRUE(companion.WaitUntilServing());
+
+    library->Model().SetSelectedRow(LibraryRun::RowOf(library, "100000"));
+    library->Button("Edit")->click();
+    ExerciseEditorDialog* editor = library->Editor();
+    ASSERT_NE(editor, nullptr);
+    EXPECT_TRUE(r.prompter.boxes.empty()) << "the link opened without a box";
+    EXPECT_TRUE(editor->imgPicture[1]->pixmap().isNull());
+
+    QTest::mouseDClick(editor->imgPicture[1], Qt::LeftButton);
+    const QString target = r.state.Media.Picture + "100000_2.JPG";
+    EXPECT_EQ(editor->lblPictOpenFName->text(), source);
+    EXPECT_EQ(editor->lblPictSaveFName->text(), target);
+    EXPECT_EQ(r.state.PictureNumber, 2);
+    // The companion edits and saves; the editor hears of it and shows the new picture.
+    const QDeadlineTimer deadline(15000);
+    while (!editor->lblLinkStatus->text().startsWith("Saved") && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    EXPECT_EQ(editor->Logic().PictureSource()[1], source);
+    EXPECT_EQ(editor->lblSrcPicture->text(), source);
+    EXPECT_TRUE(editor->lblLinkStatus->text().startsWith("Saved 1"))
+        << editor->lblLinkStatus->text().toStdString();
+    EXPECT_FALSE(editor->imgPicture[1]->pixmap().isNull());
+    const QImage saved(target);
+    ASSERT_EQ(saved.size(), QSize(900, 675));
+    // The middle of the photo: red on the left, blue on the right, the arrow at the foot.
+    EXPECT_GT(qRed(saved.pixel(100, 300)), 200);
+    EXPECT_LT(qBlue(saved.pixel(100, 300)), 60);
+    EXPECT_GT(qBlue(saved.pixel(800, 300)), 200);
+    EXPECT_LT(qRed(saved.pixel(800, 300)), 60);
+    EXPECT_LT(qGray(saved.pixel(450, 607)), 60) << "the arrow's line";
+    LibraryRun::Shoot(editor, "exercise-editor-linked");
+
+    // OK stores the source and makes the icon from the new picture.
+    editor->optExIcon[1]->setChecked(true);
+    editor->Button("OK")->click();
+    QSqlQuery row = OpenQuery(r.state.Dbs.LibraryDb,
+                              "SELECT Picture1Src FROM ExerciseLibrary WHERE ExerciseID = 100000");
+    ASSERT_TRUE(row.next());
+    EXPECT_EQ(row.value(0).toString(), source);
+    const QImage icon(r.state.Media.Icon + "100000.JPG");
+    EXPECT_EQ(icon.width(), 61);
+
+    // The companion closed while an editor is open: the next double click says so.
+    library->Model().SetSelectedRow(LibraryRun::RowOf(library, "100000"));
+    library->Button("Edit")->click();
+    editor = library->Editor();
+    ASSERT_NE(editor, nullptr);
+    companion.Kill();
+    r.prompter.answers = {Answer::Ok};
+    QTest::mouseDClick(editor->imgPicture[0], Qt::LeftButton);
+    ASSERT_FALSE(r.prompter.boxes.empty());
+    EXPECT_EQ(r.prompter.boxes.back().title, "Error: Can't Edit Image.");
+    editor->Button("Cancel")->click();
+    library->close();
 }
