@@ -1,5 +1,6 @@
 #include "picturebench/PictureDocument.h"
 #include "picturebench/BenchScript.h"
+#include "picturebench/PixelChecks.h"
 
 #include <QDir>
 #include <QFile>
@@ -9,41 +10,9 @@
 #include <gtest/gtest.h>
 
 using namespace tarvex;
-
-// Texts in the failure messages as text, not as code units.
-inline void PrintTo(const QString& text, std::ostream* out) {
-    *out << '"' << text.toStdString() << '"';
-}
+using namespace tarvex::testing;
 
 namespace {
-
-// A picture of four coloured quarters: red, green above; blue, yellow below.
-QImage Quadrants(QSize size) {
-    QImage image(size, QImage::Format_RGB32);
-    const int halfWidth = size.width() / 2;
-    const int halfHeight = size.height() / 2;
-    QPainter painter(&image);
-    painter.fillRect(0, 0, halfWidth, halfHeight, Qt::red);
-    painter.fillRect(halfWidth, 0, size.width() - halfWidth, halfHeight, Qt::green);
-    painter.fillRect(0, halfHeight, halfWidth, size.height() - halfHeight, Qt::blue);
-    painter.fillRect(halfWidth, halfHeight, size.width() - halfWidth, size.height() - halfHeight,
-                     Qt::yellow);
-    painter.end();
-    return image;
-}
-
-::testing::AssertionResult Near(const QImage& image, QPoint at, const QColor& colour,
-                                int tolerance = 40) {
-    const QRgb pixel = image.pixel(at);
-    if (std::abs(qRed(pixel) - colour.red()) <= tolerance &&
-        std::abs(qGreen(pixel) - colour.green()) <= tolerance &&
-        std::abs(qBlue(pixel) - colour.blue()) <= tolerance)
-        return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure()
-           << "pixel (" << at.x() << "," << at.y() << ") is " << qRed(pixel) << "," << qGreen(pixel)
-           << "," << qBlue(pixel) << ", not " << colour.red() << "," << colour.green() << ","
-           << colour.blue();
-}
 
 // A document with a count of its ImageChanged signals.
 struct Bench {

@@ -1,4 +1,5 @@
 #include "picturebench/PictureEdits.h"
+#include "picturebench/PixelChecks.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -15,11 +16,9 @@
 #include <sys/resource.h>
 
 using namespace tarvex;
+using namespace tarvex::testing;
 
-// Texts and rectangles in the failure messages as text and numbers, not as bytes.
-inline void PrintTo(const QString& text, std::ostream* out) {
-    *out << '"' << text.toStdString() << '"';
-}
+// Rectangles in the failure messages as numbers, not as bytes.
 inline void PrintTo(const QSize& size, std::ostream* out) {
     *out << size.width() << "x" << size.height();
 }
@@ -30,44 +29,10 @@ inline void PrintTo(const QRect& rect, std::ostream* out) {
 
 namespace {
 
-const QColor kRed(255, 0, 0);
-const QColor kGreen(0, 255, 0);
-const QColor kBlue(0, 0, 255);
-const QColor kYellow(255, 255, 0);
-
-// A picture of four coloured quarters: red, green above; blue, yellow below.
-QImage Quadrants(QSize size) {
-    QImage image(size, QImage::Format_RGB32);
-    const int halfWidth = size.width() / 2;
-    const int halfHeight = size.height() / 2;
-    QPainter painter(&image);
-    painter.fillRect(0, 0, halfWidth, halfHeight, kRed);
-    painter.fillRect(halfWidth, 0, size.width() - halfWidth, halfHeight, kGreen);
-    painter.fillRect(0, halfHeight, halfWidth, size.height() - halfHeight, kBlue);
-    painter.fillRect(halfWidth, halfHeight, size.width() - halfWidth, size.height() - halfHeight,
-                     kYellow);
-    painter.end();
-    return image;
-}
-
 QImage Filled(QSize size, const QColor& colour) {
     QImage image(size, QImage::Format_RGB32);
     image.fill(colour);
     return image;
-}
-
-// Every channel of the pixel within tolerance of the colour (JPEG and smoothing blur a bit).
-::testing::AssertionResult Near(const QImage& image, QPoint at, const QColor& colour,
-                                int tolerance = 40) {
-    const QRgb pixel = image.pixel(at);
-    if (std::abs(qRed(pixel) - colour.red()) <= tolerance &&
-        std::abs(qGreen(pixel) - colour.green()) <= tolerance &&
-        std::abs(qBlue(pixel) - colour.blue()) <= tolerance)
-        return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure()
-           << "pixel (" << at.x() << "," << at.y() << ") is " << qRed(pixel) << "," << qGreen(pixel)
-           << "," << qBlue(pixel) << ", not " << colour.red() << "," << colour.green() << ","
-           << colour.blue();
 }
 
 bool IsDark(QRgb pixel) {
@@ -147,7 +112,7 @@ TEST(PictureEdits, TheLargestCropIsFourByThreeCentredAndAsLargeAsFits) {
     for (const QSize size : {QSize(1000, 700), QSize(600, 800), QSize(3024, 4032),
                              QSize(1920, 1080), QSize(1081, 1920), QSize(50, 50), QSize(17, 13)}) {
         const QRect crop = LargestCrop(size);
-        SCOPED_TRACE(testing::Message() << size.width() << "x" << size.height());
+        SCOPED_TRACE(::testing::Message() << size.width() << "x" << size.height());
         EXPECT_TRUE(QRect(QPoint(0, 0), size).contains(crop));
         EXPECT_TRUE(FourByThree(crop.size()));
         // One pair of sides touches the picture's: nothing larger would fit.
@@ -192,7 +157,7 @@ TEST(PictureEdits, AnyDraggedCropBoxIsFourByThreeInsideAndAtLeastEightBySix) {
                                 between(-1.5 * size.width(), 1.5 * size.width()),
                                 between(-1.5 * size.height(), 1.5 * size.height()));
             const QRect box = FitCropBox(wanted, size);
-            SCOPED_TRACE(testing::Message()
+            SCOPED_TRACE(::testing::Message()
                          << size.width() << "x" << size.height() << " wanted " << wanted.x() << ","
                          << wanted.y() << " " << wanted.width() << "x" << wanted.height());
             ASSERT_TRUE(QRect(QPoint(0, 0), size).contains(box));
@@ -267,7 +232,7 @@ TEST(PictureEdits, FlippingMirrorsLeftAndRightOrTopAndBottom) {
 TEST(PictureEdits, StraighteningKeepsTheShapeAndLeavesNoEmptyCorner) {
     for (const QSize size : {QSize(800, 600), QSize(600, 800), QSize(901, 677)}) {
         for (const double degrees : {0.5, 5.0, -12.5, 30.0, 45.0}) {
-            SCOPED_TRACE(testing::Message()
+            SCOPED_TRACE(::testing::Message()
                          << size.width() << "x" << size.height() << " at " << degrees);
             const QImage white = Straighten(Filled(size, Qt::white), degrees);
             EXPECT_EQ(white.format(), QImage::Format_RGB32);
