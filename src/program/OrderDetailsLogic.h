@@ -13,15 +13,6 @@ struct AppState;
 class Shell;
 class ProgramStore;
 
-// A label whose caption the logic reads and writes: on the order dialog the captions are
-// where the amounts live.
-class ILabel {
-public:
-    virtual ~ILabel() = default;
-    virtual QString Caption() const = 0;
-    virtual void SetCaption(const QString& caption) = 0;
-};
-
 // A control that is shown or hidden.
 class IVisible {
 public:

@@ -167,6 +167,15 @@ public:
     virtual void SetValue(int value) = 0;
 };
 
+// A label whose caption the logic sets and reads (on the order dialog the captions are
+// where the amounts live).
+class ILabel {
+public:
+    virtual ~ILabel() = default;
+    virtual QString Caption() const = 0;
+    virtual void SetCaption(const QString& caption) = 0;
+};
+
 // Any other control whose availability changes (a label, a frame).
 class IEnableable {
 public:

@@ -58,15 +58,6 @@ QLabel* Note(const QString& text, QWidget* parent) {
 
 } // namespace
 
-QString QtLabelCaption::Caption() const {
-    return label_ ? label_->text() : QString();
-}
-
-void QtLabelCaption::SetCaption(const QString& caption) {
-    if (label_)
-        label_->setText(caption);
-}
-
 void QtVisibility::SetVisible(bool visible) {
     visible_ = visible;
     if (widget_)

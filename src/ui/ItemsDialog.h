@@ -21,17 +21,6 @@ struct AppState;
 class Shell;
 class ProgramStore;
 
-// A label's caption for the logic.
-class QtLabelCaption : public ILabel {
-public:
-    explicit QtLabelCaption(QLabel* label) : label_(label) {}
-    QString Caption() const override;
-    void SetCaption(const QString& caption) override;
-
-private:
-    QPointer<QLabel> label_;
-};
-
 // Shows or hides a widget for the logic. The state is kept here as well, so that it reads
 // back as set while the dialog itself is not yet on screen.
 class QtVisibility : public IVisible {
@@ -93,7 +82,7 @@ private:
     QtComboBox payMethod_, shipMethod_;
     QtVisibility lblCardDateShown_, lblNameOnCardShown_, cardDateShown_, nameOnCardShown_;
     QtCheckBox video_, band_, ball_, tax_;
-    QtLabelCaption videoPrice_, bandPrice_, ballPrice_, shipPrice_, taxAmount_, subTotal_, total_;
+    QtCaption videoPrice_, bandPrice_, ballPrice_, shipPrice_, taxAmount_, subTotal_, total_;
     std::unique_ptr<OrderDetailsLogic> logic_;
 };
 

@@ -391,6 +391,29 @@ bool QtDesktop::OpenDocument(const QString& path) {
     return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
+QString QtCaption::Caption() const {
+    if (auto* label = qobject_cast<QLabel*>(widget_))
+        return label->text();
+    if (auto* line = qobject_cast<QLineEdit*>(widget_))
+        return line->text();
+    if (auto* text = qobject_cast<QPlainTextEdit*>(widget_))
+        return text->toPlainText();
+    return QString();
+}
+
+void QtCaption::SetCaption(const QString& caption) {
+    if (auto* label = qobject_cast<QLabel*>(widget_))
+        return label->setText(caption);
+    if (auto* line = qobject_cast<QLineEdit*>(widget_)) {
+        line->setText(caption);
+        line->setCursorPosition(0);
+        line->setToolTip(caption);
+        return;
+    }
+    if (auto* text = qobject_cast<QPlainTextEdit*>(widget_))
+        text->setPlainText(caption);
+}
+
 QString ButtonTag(const QObject* button) {
     return button ? button->property("tag").toString() : QString();
 }

@@ -188,6 +188,18 @@ private:
     QPointer<QTreeWidget> tree_;
 };
 
+// A caption over a label, a read-only line (for a long path, which scrolls and shows
+// whole in its tool tip) or a plain text box (for a text of any length).
+class QtCaption : public ILabel {
+public:
+    explicit QtCaption(QWidget* widget) : widget_(widget) {}
+    QString Caption() const override;
+    void SetCaption(const QString& caption) override;
+
+private:
+    QPointer<QWidget> widget_;
+};
+
 // A picture box over a label; the picture is scaled to the label's size.
 class QtPicture : public IPicture {
 public:

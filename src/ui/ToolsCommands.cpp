@@ -2,6 +2,7 @@
 
 #include "ui/LibraryWindow.h"
 #include "ui/MainWindow.h"
+#include "ui/OpenOnce.h"
 #include "ui/PicklistEditorDialog.h"
 #include "ui/ProtocolWindows.h"
 #include "ui/WorkspaceWindow.h"
@@ -12,23 +13,6 @@
 #include <memory>
 
 namespace tarvex {
-
-namespace {
-
-// Shows the window that is open already, or makes one with make and shows it placed.
-template <typename Make> void OpenOnce(MainWindow& window, QPointer<QWidget>& open, Make make) {
-    if (open) {
-        open->raise();
-        open->activateWindow();
-        return;
-    }
-    QWidget* dialog = make();
-    open = dialog;
-    window.PlaceDialog(dialog);
-    dialog->show();
-}
-
-} // namespace
 
 void RegisterProtocolCommands(MainWindow& window, AppState& state) {
     auto open = std::make_shared<QPointer<QWidget>>();

@@ -84,6 +84,13 @@ public:
     int cursor = -1;
 };
 
+class FakeLabel : public ILabel {
+public:
+    QString Caption() const override { return caption; }
+    void SetCaption(const QString& c) override { caption = c; }
+    QString caption;
+};
+
 class FakeCheckBox : public ICheckBox {
 public:
     int Value() const override { return value; }

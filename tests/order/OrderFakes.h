@@ -10,12 +10,7 @@
 
 namespace tarvex::testing {
 
-class FakeLabel : public ILabel {
-public:
-    QString Caption() const override { return caption; }
-    void SetCaption(const QString& c) override { caption = c; }
-    QString caption;
-};
+using FakeLabel = fakes::FakeLabel;
 
 class FakeVisible : public IVisible {
 public:
