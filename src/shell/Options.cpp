@@ -1,5 +1,6 @@
 #include "shell/Options.h"
 
+#include "media/MediaDrives.h"
 #include "shell/AppFolder.h"
 #include "shell/AppState.h"
 #include "shell/SettingsStore.h"
@@ -50,11 +51,9 @@ QString DefaultCDRomDrive(const AppState& state) {
 }
 
 void LoadOptions(AppState& state, const ISettingsStore& store) {
-    state.CDRomDrive = TextOption(store, "CDRom Drive", DefaultCDRomDrive(state));
     // A folder path is kept whole; anything else names a drive, of which the first two
     // characters count ("D:").
-    if (!state.CDRomDrive.contains(u'/'))
-        state.CDRomDrive = state.CDRomDrive.left(2);
+    state.CDRomDrive = DriveRoot(TextOption(store, "CDRom Drive", DefaultCDRomDrive(state)));
     const QString sep = Sep();
     state.Media.Icon =
         TextOption(store, "Icon",
