@@ -51,6 +51,13 @@ QString TemplatesFolder(const AppState& state) {
     return QDir(state.DeliveredFolder).filePath(QStringLiteral("templates"));
 }
 
+QString HelpFolder(const AppState& state) {
+    QString own = AppPathAndFName(state, QStringLiteral("Help"));
+    if (QFileInfo(QDir(own).filePath(QStringLiteral("contents.txt"))).isFile())
+        return own;
+    return FindFileNoCase(state.DeliveredFolder, QStringLiteral("Help"));
+}
+
 QStringList DeliveredFileNames() {
     return {QLatin1String(kProgramDbFile),
             QLatin1String(kLibraryDbFile),

@@ -24,6 +24,10 @@ QString DefaultDeliveredFolder();
 // The folder of the delivered databases and texts.
 QString TemplatesFolder(const AppState& state);
 
+// The folder of the help pages and the user manual: "Help" in the application folder when
+// the clinic keeps its own there, else the help installed with the program.
+QString HelpFolder(const AppState& state);
+
 // The files that a first start copies into the application folder.
 QStringList DeliveredFileNames();
 

@@ -16,6 +16,8 @@
 #include "ui/ProgramListDialog.h"
 #include "ui/ScreenFit.h"
 #include "ui/SplashDialog.h"
+#include "ui/SupportCommands.h"
+#include "ui/SupportDialogs.h"
 #include "ui/ToolsCommands.h"
 #include "ui/WorkspaceWindow.h"
 
@@ -80,6 +82,8 @@ MainWindow::MainWindow(AppState& state, ISettingsStore& store, SingleInstanceLoc
     RegisterProtocolCommands(*this, state_);
     RegisterPicklistCommands(*this, state_);
     RegisterLibraryCommands(*this, state_);
+    RegisterMediaCommands(*this, state_);
+    RegisterHelpCommands(*this, state_);
     // The sheets are laid out on 8.5 by 11 inch paper; the printer dialog can change it.
     printer_.setPageSize(QPageSize(QPageSize::Letter));
     resize(1024, 720);
@@ -173,8 +177,8 @@ void MainWindow::BuildMenu() {
     file->addSeparator()->setObjectName(QStringLiteral("mnuSep0"));
     connect(AddMenuEntry(file, "mnuClinic", "&Clinic Info"), &QAction::triggered, this,
             Guarded([this] { OpenClinic(); }));
-    later(AddMenuEntry(file, "mnuSetMedia", "&Media Location"), "Media locations");
-    later(AddMenuEntry(file, "mnuCopyPictures", "&Copy Pictures"), "Copying pictures");
+    AddMenuEntry(file, "mnuSetMedia", "&Media Location");
+    AddMenuEntry(file, "mnuCopyPictures", "&Copy Pictures");
     connect(AddMenuEntry(file, "mnuPreferences", "&Preferences"), &QAction::triggered, this,
             Guarded([this] { OpenPreferences(); }));
     file->addSeparator()->setObjectName(QStringLiteral("mnuSep1"));
@@ -194,9 +198,9 @@ void MainWindow::BuildMenu() {
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
     menu_.Add(QStringLiteral("mnuHelp"), help->menuAction());
-    later(AddMenuEntry(help, "mnuContents", "&Contents"), "Help");
-    later(AddMenuEntry(help, "mnuPrintManual", "&User Manual"), "The user manual");
-    later(AddMenuEntry(help, "mnuAbout", "&About"), "The About box");
+    AddMenuEntry(help, "mnuContents", "&Contents");
+    AddMenuEntry(help, "mnuPrintManual", "&User Manual");
+    AddMenuEntry(help, "mnuAbout", "&About");
 }
 
 void MainWindow::BuildStatusBar() {
@@ -223,7 +227,6 @@ void MainWindow::OnToolbar(const QString& key) {
     const QHash<QString, QString> later = {
         {"Exercises", "The selection workspace"},
         {"Print", "Printing"},
-        {"Help", "Help"},
     };
     if (key == QLatin1String("Patient"))
         return OpenSelectPatient();
@@ -245,6 +248,8 @@ void MainWindow::OnToolbar(const QString& key) {
         state_.SkipPrintDialog = true;
         return PrintExercises(kJobExercises4, QStringLiteral("Printing 4 Exercises Per Page"));
     }
+    if (key == QLatin1String("Help"))
+        return RunCommand(QStringLiteral("mnuContents"));
     NotYetAvailable(later.value(key));
 }
 
@@ -365,7 +370,14 @@ void MainWindow::PlaceDialog(QWidget* dialog) const {
 }
 
 void MainWindow::SetMenuCommand(const QString& key, const std::function<void()>& command) {
+    commands_.insert(key, command);
     connect(menu_.Action(key), &QAction::triggered, this, Guarded(command));
+}
+
+void MainWindow::RunCommand(const QString& key) {
+    const std::function<void()> command = commands_.value(key);
+    if (command)
+        RunGuarded(command);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
@@ -421,11 +433,14 @@ void MainWindow::ReopenDatabasesAndReloadWorkspace() {
 }
 
 void MainWindow::ShowTip() {
-    // The tip window is not part of this release.
+    TipDialog tip(state_, this);
+    tip.StatusNote = [this](const QString& note) { shell_->SetStatusBar(note); };
+    PlaceDialog(&tip);
+    tip.exec();
 }
 
 void MainWindow::ShowCheckMedia() {
-    // The media check window is not part of this release.
+    RunCommand(QStringLiteral("mnuCopyPictures"));
 }
 
 bool MainWindow::Show() {

@@ -6,6 +6,7 @@
 #include "shell/Startup.h"
 #include "ui/QtControls.h"
 
+#include <QHash>
 #include <QMainWindow>
 #include <QPrinter>
 #include <functional>
@@ -49,6 +50,9 @@ public:
     // Runs the command, guarded, when the menu entry of the key is chosen: each subsystem
     // registers its own commands.
     void SetMenuCommand(const QString& key, const std::function<void()>& command);
+    // Runs the command registered for the menu entry's key, guarded, whether or not the
+    // entry is available at the moment (the start-up's own use of a command).
+    void RunCommand(const QString& key);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -98,6 +102,7 @@ private:
     std::unique_ptr<Shell> shell_;
     std::unique_ptr<ProgramStore> programs_;
     class WorkspaceWindow* workspace_ = nullptr;
+    QHash<QString, std::function<void()>> commands_;
 };
 
 } // namespace tarvex

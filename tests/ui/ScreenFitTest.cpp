@@ -3,16 +3,19 @@
 // virtual X display with a window manager; each window's screenshot is kept for a look.
 #include "ui/ClinicDialog.h"
 #include "ui/ExerciseEditorDialog.h"
+#include "ui/HelpWindow.h"
 #include "ui/ItemsDialog.h"
 #include "ui/LibraryWindow.h"
 #include "ui/LoadPictureDialog.h"
 #include "ui/MainWindowRun.h"
+#include "ui/MediaDialogs.h"
 #include "ui/PatientDialogs.h"
 #include "ui/PicklistEditorDialog.h"
 #include "ui/PreferencesDialog.h"
 #include "ui/PrintPreviewDialog.h"
 #include "ui/ProgramListDialog.h"
 #include "ui/ProtocolWindows.h"
+#include "ui/SupportDialogs.h"
 #include "ui/WorkspaceWindow.h"
 #include <QPushButton>
 
@@ -58,6 +61,39 @@ void SaveScreen(const QString& name) {
         std::cout << "[ info ] screenshot " << path.toStdString() << "\n";
 }
 
+// The help's picture of a window, cut from the screen with its frame, when the run is
+// asked for them (scripts/help-screenshots sets TARVEX_HELP_SHOTS to the folder).
+void SaveHelpShot(QWidget* window, const QString& name) {
+    static const QHash<QString, QString> pictures = {{"main", "main-window"},
+                                                     {"clinic", "clinic-info"},
+                                                     {"preferences", "preferences"},
+                                                     {"select-patient", "select-patient"},
+                                                     {"patient-information", "edit-patient"},
+                                                     {"programs", "program-list"},
+                                                     {"video", "order-details"},
+                                                     {"protocol-editor", "protocol-editor"},
+                                                     {"picklist-editor", "picklist-editor"},
+                                                     {"exercise-library", "library"},
+                                                     {"exercise-editor", "exercise-editor"},
+                                                     {"workspace", "workspace"},
+                                                     {"preview", "print-preview"},
+                                                     {"media", "media-locations"},
+                                                     {"check-media", "copy-pictures"},
+                                                     {"tip", "tip-of-the-day"},
+                                                     {"about", "about"},
+                                                     {"system-info", "system-info"},
+                                                     {"help", "help-window"}};
+    const QString folder = qEnvironmentVariable("TARVEX_HELP_SHOTS");
+    if (folder.isEmpty() || !pictures.contains(name) || ScreenName() != QLatin1String("1366x768"))
+        return;
+    const QRect frame = window->frameGeometry().intersected(window->screen()->geometry());
+    const QPixmap shot = QGuiApplication::primaryScreen()->grabWindow(
+        0, frame.x(), frame.y(), frame.width(), frame.height());
+    const QString path = QDir(folder).filePath(pictures.value(name) + ".png");
+    if (shot.save(path))
+        std::cout << "[ info ] help picture " << path.toStdString() << "\n";
+}
+
 // Waits until the window manager has framed the window and it has settled.
 void Settle(QWidget* window) {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
@@ -100,6 +136,7 @@ void ExpectFits(QWidget* window, const QString& name) {
     }
     EXPECT_GT(controls, 0) << name.toStdString();
     SaveScreen(name);
+    SaveHelpShot(window, name);
 }
 
 class ScreenFit : public ::testing::Test {
@@ -338,4 +375,47 @@ TEST_F(ScreenFit, ThePreviewFitsAndItsPagesStayClearOfItsScrollBars) {
     });
     w.window.MenuCommands().Action("mnuPreviewEx4")->trigger();
     EXPECT_TRUE(checked);
+}
+
+TEST_F(ScreenFit, TheMediaWindowsTheTipAboutTheSystemInformationAndTheHelp) {
+    Window w;
+    w.window.show();
+    w.window.MenuCommands().Action("mnuSetMedia")->trigger();
+    QPointer<QDialog> dialog = Opened<MediaDialog>(w);
+    ASSERT_FALSE(dialog.isNull());
+    ExpectFits(dialog, "media");
+    QTest::keyClick(dialog, Qt::Key_Escape);
+
+    w.window.MenuCommands().Action("mnuCopyPictures")->trigger();
+    dialog = Opened<CheckMediaDialog>(w);
+    ASSERT_FALSE(dialog.isNull());
+    ExpectFits(dialog, "check-media");
+    QTest::keyClick(dialog, Qt::Key_Escape);
+
+    auto* tip = new TipDialog(w.state, &w.window);
+    tip->setAttribute(Qt::WA_DeleteOnClose);
+    w.window.PlaceDialog(tip);
+    tip->show();
+    ExpectFits(tip, "tip");
+    QTest::keyClick(tip, Qt::Key_Escape);
+
+    w.window.MenuCommands().Action("mnuAbout")->trigger();
+    QPointer<AboutDialog> about = Opened<AboutDialog>(w);
+    ASSERT_FALSE(about.isNull());
+    ExpectFits(about, "about");
+    QTest::mouseClick(about->cmdSysInfo, Qt::LeftButton);
+    QPointer<SystemInfoDialog> info = about->findChild<SystemInfoDialog*>();
+    ASSERT_FALSE(info.isNull());
+    ExpectFits(info, "system-info");
+    QTest::keyClick(info, Qt::Key_Escape);
+    QTest::keyClick(about, Qt::Key_Escape);
+
+    w.window.MenuCommands().Action("mnuContents")->trigger();
+    QPointer<HelpWindow> help = w.window.findChild<HelpWindow*>();
+    ASSERT_FALSE(help.isNull());
+    help->ShowPage("first-program.html");
+    ExpectFits(help, "help");
+    QTest::keyClick(help, Qt::Key_Escape);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(about.isNull());
 }
