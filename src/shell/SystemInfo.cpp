@@ -57,11 +57,11 @@ QString DatabaseLine(const QString& path) {
     const QFileInfo file(path);
     if (!file.isFile())
         return QStringLiteral("missing (%1)").arg(QDir::toNativeSeparators(path));
-    QString version = ReadDatabaseVersion(path);
-    if (version.isEmpty())
-        version = QStringLiteral("no version");
-    return QStringLiteral("version %1, %2 (%3)")
-        .arg(version, FileSizeText(file.size()), QDir::toNativeSeparators(path));
+    const QString version = ReadDatabaseVersion(path);
+    return QStringLiteral("%1, %2 (%3)")
+        .arg(version.isEmpty() ? QStringLiteral("no version")
+                               : QStringLiteral("version ") + version,
+             FileSizeText(file.size()), QDir::toNativeSeparators(path));
 }
 
 QString ProbeLine(const QString& folder, const QStringList& probes) {

@@ -1,6 +1,7 @@
 #include "ui/HelpWindow.h"
 
 #include "ui/Guarded.h"
+#include "ui/ScreenFit.h"
 
 #include <QDir>
 #include <QHBoxLayout>
@@ -97,7 +98,8 @@ HelpWindow::HelpWindow(const QString& folder, QWidget* parent) : QWidget(parent,
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(nav);
     layout->addWidget(splitter, 1);
-    resize(1040, 660);
+    resize(1000, 640);
+    KeepOnScreenWhenShown(this);
 
     connect(cmdBack, &QToolButton::clicked, Page, &QTextBrowser::backward);
     connect(cmdForward, &QToolButton::clicked, Page, &QTextBrowser::forward);
