@@ -21,13 +21,6 @@
 
 namespace {
 
-QString ReadPage(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return QString();
-    return QString::fromUtf8(file.readAll());
-}
-
 // The body of a page, its links to other pages turned into links within the manual.
 QString PageBody(const QString& html) {
     static const QRegularExpression body(QStringLiteral("<body[^>]*>(.*)</body>"),
@@ -57,8 +50,7 @@ QString ManualHtml(const tarvex::HelpBook& book) {
     for (const tarvex::HelpTopic& topic : book.Contents()) {
         html +=
             QStringLiteral("<div style=\"page-break-before: always;\"><a name=\"%1\"></a>%2</div>")
-                .arg(QFileInfo(topic.File).completeBaseName(),
-                     PageBody(ReadPage(QDir(book.Folder()).filePath(topic.File))));
+                .arg(QFileInfo(topic.File).completeBaseName(), PageBody(book.PageHtml(topic.File)));
     }
     return html + QStringLiteral("</body></html>");
 }

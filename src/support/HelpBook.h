@@ -35,6 +35,8 @@ public:
     const QList<HelpTopic>& Contents() const { return contents_; }
     // The title of a page, empty for a page the contents does not list.
     QString TitleOf(const QString& file) const;
+    // The HTML of a page of the contents, as read at Load; empty for any other.
+    QString PageHtml(const QString& file) const { return pages_.value(file).Html; }
     // The index: each term, in alphabetical order without regard to case, with the pages
     // that name it, in the order of the contents.
     const QList<HelpIndexEntry>& Index() const { return index_; }

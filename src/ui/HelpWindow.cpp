@@ -157,6 +157,7 @@ void HelpWindow::BuildContents() {
         auto* item = parents.isEmpty() ? new QTreeWidgetItem(Contents, {topic.Title})
                                        : new QTreeWidgetItem(parents.last(), {topic.Title});
         item->setData(0, kFileRole, topic.File);
+        contentsItems_.insert(topic.File, item);
         parents.push_back(item);
     }
     Contents->expandAll();
@@ -221,7 +222,6 @@ bool HelpWindow::ShowPage(const QString& file) {
     QUrl page = QUrl::fromLocalFile(QDir(book_.Folder()).filePath(path));
     page.setFragment(link.fragment());
     Page->setSource(page);
-    SelectInContents(path);
     return true;
 }
 
@@ -237,12 +237,8 @@ QString HelpWindow::CurrentPage() const {
 }
 
 void HelpWindow::SelectInContents(const QString& file) {
-    for (QTreeWidgetItemIterator it(Contents); *it; ++it) {
-        if ((*it)->data(0, kFileRole).toString() == file) {
-            Contents->setCurrentItem(*it);
-            return;
-        }
-    }
+    if (QTreeWidgetItem* item = contentsItems_.value(file))
+        Contents->setCurrentItem(item);
 }
 
 } // namespace tarvex

@@ -2,6 +2,7 @@
 
 #include "support/HelpBook.h"
 
+#include <QHash>
 #include <QWidget>
 
 class QLineEdit;
@@ -51,6 +52,7 @@ private:
     void SelectInContents(const QString& file);
 
     HelpBook book_;
+    QHash<QString, QTreeWidgetItem*> contentsItems_; // the contents' item of each page
     bool loaded_ = false;
     QString lastSearch_;
 };

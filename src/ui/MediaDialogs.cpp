@@ -15,12 +15,6 @@ namespace tarvex {
 
 namespace {
 
-QPushButton* TaggedButton(const QString& caption, const QString& tag, QWidget* parent) {
-    auto* button = new QPushButton(caption, parent);
-    button->setProperty("tag", tag);
-    return button;
-}
-
 QLineEdit* PathLine(QWidget* parent) {
     auto* line = new QLineEdit(parent);
     line->setReadOnly(true);
@@ -44,19 +38,19 @@ MediaDialog::MediaDialog(AppState& state, QWidget* parent, IOpenFileDialog* dial
                           "Choose the folder of the exercise movies (it holds 1.AVI)"};
     auto* grid = new QGridLayout;
     for (int i = 0; i < 3; ++i) {
-        cmdMedia[i] = TaggedButton(QLatin1String(captions[i]), QLatin1String(tags[i]), this);
+        cmdMedia[i] = TaggedButton(QLatin1String(captions[i]), QLatin1String(tags[i]),
+                                   QLatin1String(tips[i]), this);
         cmdMedia[i]->setObjectName(QStringLiteral("cmdMedia%1").arg(i));
-        cmdMedia[i]->setToolTip(QLatin1String(tips[i]));
         lblMedia[i]->setObjectName(QStringLiteral("lblMedia%1").arg(i));
         grid->addWidget(cmdMedia[i], i, 0);
         grid->addWidget(lblMedia[i], i, 1);
         connect(cmdMedia[i], &QPushButton::clicked, this,
                 Guarded([this, i] { logic_->cmdMedia(i); }));
     }
-    cmdOK = TaggedButton(QStringLiteral("OK"), QStringLiteral("OK"), this);
-    cmdOK->setToolTip(QStringLiteral("Save changes and exit"));
-    cmdCancel = TaggedButton(QStringLiteral("Cancel"), QStringLiteral("Cancel"), this);
-    cmdCancel->setToolTip(QStringLiteral("Discard changes and exit"));
+    cmdOK = TaggedButton(QStringLiteral("OK"), QStringLiteral("OK"),
+                         QStringLiteral("Save changes and exit"), this);
+    cmdCancel = TaggedButton(QStringLiteral("Cancel"), QStringLiteral("Cancel"),
+                             QStringLiteral("Discard changes and exit"), this);
     cmdOK->setDefault(true);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
@@ -95,12 +89,13 @@ CheckMediaDialog::CheckMediaDialog(AppState& state, Prompter& prompter, QWidget*
     cmdFindCD = new QPushButton(QStringLiteral("FindCD"), this);
     cmdFindCD->setObjectName(QStringLiteral("cmdFindCD"));
     cmdFindCD->setToolTip(QStringLiteral("Choose the CD-ROM drive of the settings again"));
-    cmdCD = TaggedButton(QStringLiteral("CD"), QStringLiteral("CD"), this);
-    cmdHardDrive = TaggedButton(QStringLiteral("Hard Drive"), QStringLiteral("HardDrive"), this);
-    cmdCancel = TaggedButton(QStringLiteral("Cancel"), QStringLiteral("Cancel"), this);
-    cmdCD->setToolTip(QStringLiteral("Work with the pictures and movies where they are"));
-    cmdHardDrive->setToolTip(QStringLiteral("Copy the pictures and movies into the data folder"));
-    cmdCancel->setToolTip(QStringLiteral("Change nothing"));
+    cmdCD = TaggedButton(QStringLiteral("CD"), QStringLiteral("CD"),
+                         QStringLiteral("Work with the pictures and movies where they are"), this);
+    cmdHardDrive =
+        TaggedButton(QStringLiteral("Hard Drive"), QStringLiteral("HardDrive"),
+                     QStringLiteral("Copy the pictures and movies into the data folder"), this);
+    cmdCancel = TaggedButton(QStringLiteral("Cancel"), QStringLiteral("Cancel"),
+                             QStringLiteral("Change nothing"), this);
     for (QPushButton* button : {cmdCD, cmdHardDrive, cmdCancel}) {
         button->setObjectName(QStringLiteral("cmdPictureLocation") + ButtonTag(button));
         buttons_.Add(ButtonTag(button), button);

@@ -10,18 +10,6 @@
 
 namespace tarvex {
 
-namespace {
-
-QPushButton* TaggedButton(const QString& caption, const QString& tag, const QString& tip,
-                          QWidget* parent) {
-    auto* button = new QPushButton(caption, parent);
-    button->setProperty("tag", tag);
-    button->setToolTip(tip);
-    return button;
-}
-
-} // namespace
-
 PreferencesDialog::PreferencesDialog(AppState& state, QWidget* parent)
     : FormDialog(parent),
       chkPrintCover(new QCheckBox(QStringLiteral("Print Patient's Cover Sheet"), this)),

@@ -418,4 +418,13 @@ QString ButtonTag(const QObject* button) {
     return button ? button->property("tag").toString() : QString();
 }
 
+QPushButton* TaggedButton(const QString& caption, const QString& tag, const QString& tip,
+                          QWidget* parent) {
+    auto* button = new QPushButton(caption, parent);
+    button->setProperty("tag", tag);
+    if (!tip.isEmpty())
+        button->setToolTip(tip);
+    return button;
+}
+
 } // namespace tarvex

@@ -19,6 +19,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTreeWidget>
 
 namespace tarvex {
@@ -234,5 +235,10 @@ public:
 
 // The tag of a button: its "tag" property, as the logic dispatches on it.
 QString ButtonTag(const QObject* button);
+
+// A push button whose caption and tag differ ("Hard Drive" and "HardDrive"), with its
+// tool tip when one is given.
+QPushButton* TaggedButton(const QString& caption, const QString& tag, const QString& tip,
+                          QWidget* parent);
 
 } // namespace tarvex

@@ -55,10 +55,8 @@ struct PresetRun {
     MainWindow window;
 };
 
+// The help window on show, whichever window it belongs to.
 HelpWindow* OpenHelp() {
-    for (QWidget* top : QApplication::topLevelWidgets())
-        if (auto* help = qobject_cast<HelpWindow*>(top); help && help->isVisible())
-            return help;
     for (QWidget* top : QApplication::allWidgets())
         if (auto* help = qobject_cast<HelpWindow*>(top); help && help->isVisible())
             return help;
