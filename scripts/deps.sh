@@ -4,7 +4,7 @@ TARVEX_PACKAGES=(
     qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libqt6sql6-psql
     qt6-multimedia-dev libqt6multimediawidgets6
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav
-    libzip-dev libgtest-dev libbenchmark-dev cmake ninja-build g++ pkg-config
+    libzip-dev zip sqlite3 libgtest-dev libbenchmark-dev cmake ninja-build g++ pkg-config
     fonts-liberation fonts-dejavu-core fonts-noto-cjk xvfb xauth ffmpeg poppler-utils unzip p7zip-full
     clang-format
 )

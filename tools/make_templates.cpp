@@ -7,6 +7,7 @@
 
 #include "data/Schema.h"
 #include "data/Sql.h"
+#include "dbtools/UpgradeRoutines.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -19,9 +20,7 @@ using namespace tarvex;
 
 namespace {
 
-// The companion files of the upgrade, and the version the older library carries.
-constexpr const char* kVideoDbFile = "Video.MDB";
-constexpr const char* kOldLibraryDbFile = "TVX Exercise Library.MDB";
+// The version the older library, a companion of the upgrade, carries.
 constexpr const char* kOldLibraryVersion = "3.6";
 
 struct Failure {

@@ -2,7 +2,7 @@
 
 #include "data/DatabaseCheck.h"
 #include "data/Schema.h"
-#include "data/Upgrade.h"
+#include "dbtools/Upgrade.h"
 #include "shell/AppFolder.h"
 #include "shell/AppState.h"
 #include "support/Fault.h"
@@ -66,7 +66,7 @@ void DatabaseSession::OpenAll(const QString& appFolder) {
     CheckDatabaseFile(PicklistPath, QStringLiteral("Label"));
 
     // The databases are brought to the present version before anything is opened on them.
-    UpgradeDatabases(ProgramPath, LibraryPath, PicklistPath);
+    UpgradeDatabases({appFolder, ProgramPath, LibraryPath, PicklistPath}, UpgradePrompter);
 
     try {
         ProgramDb = OpenFile(ProgramPath, "ProgramDb");

@@ -8,6 +8,7 @@
 namespace tarvex {
 
 struct AppState;
+class Prompter;
 
 // The one owner of the three connections and of the long-lived library view. Opening,
 // closing and reopening go through it alone; nobody else keeps a connection across a
@@ -39,6 +40,8 @@ public:
     QSqlDatabase PicklistDb;
     LibraryRecordset Library;
     int OpenCount = 0; // how often the databases were opened in this run
+    // Asks the upgrade's one question; none in programs without windows.
+    Prompter* UpgradePrompter = nullptr;
 
 private:
     QString appFolder_;

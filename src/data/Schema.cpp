@@ -169,6 +169,10 @@ void CreatePicklistSchema(QSqlDatabase& db) {
 
 #undef TEXT
 
+void CreateVersionTable(QSqlDatabase& db) {
+    Execute(db, QLatin1String(kVersionTable));
+}
+
 void WriteVersion(QSqlDatabase& db, const QString& version) {
     Transaction transaction(db);
     Execute(db, QStringLiteral("DELETE * FROM Version"));

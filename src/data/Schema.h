@@ -19,6 +19,9 @@ void CreateProgramSchema(QSqlDatabase& db);
 void CreateLibrarySchema(QSqlDatabase& db);
 void CreatePicklistSchema(QSqlDatabase& db);
 
+// Creates the table Version: one text column of 20 characters that takes no empty string.
+void CreateVersionTable(QSqlDatabase& db);
+
 // Writes the one row of the Version table.
 void WriteVersion(QSqlDatabase& db, const QString& version);
 

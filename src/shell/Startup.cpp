@@ -37,6 +37,9 @@ bool RunStartup(AppState& state, Shell& shell, const ISettingsStore& store, ISta
     const QString problem = PrepareAppFolder(state.AppFolder, TemplatesFolder(state), &madePrivate);
     if (!problem.isEmpty())
         throw Fault(problem);
+    // The upgrade of a former release's databases asks its one question through the
+    // program's boxes, now and at every later reopening.
+    state.Dbs.UpgradePrompter = &prompter;
     OpenDatabases(state);
     state.TollFreeOrder = QLatin1String(kTollFreeOrder);
     state.TollFreeFax = QLatin1String(kTollFreeFax);

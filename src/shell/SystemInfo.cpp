@@ -1,7 +1,7 @@
 #include "shell/SystemInfo.h"
 
 #include "data/Schema.h"
-#include "data/Upgrade.h"
+#include "dbtools/Upgrade.h"
 #include "shell/AppFolder.h"
 #include "shell/AppState.h"
 #include "shell/Splash.h"

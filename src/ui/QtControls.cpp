@@ -310,7 +310,10 @@ QWidget* QtPrompter::Owner() const {
 Answer QtPrompter::MsgBox(const QString& text, int style, const QString& title) {
     QMessageBox box(Owner());
     box.setWindowTitle(title);
-    box.setText(text);
+    // A carriage return alone broke the line in the classic boxes, as a line feed does.
+    QString shown = text;
+    shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
+    box.setText(shown);
     switch (style & 0x70) {
     case msg::Critical:
         box.setIcon(QMessageBox::Critical);

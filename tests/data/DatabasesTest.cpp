@@ -1,7 +1,7 @@
 #include "data/Databases.h"
 #include "data/Schema.h"
 #include "data/Sql.h"
-#include "data/Upgrade.h"
+#include "dbtools/Upgrade.h"
 #include "support/Fault.h"
 #include "support/TestFolder.h"
 
@@ -163,16 +163,13 @@ TEST(Databases, ADamagedFileIsAFault) {
     EXPECT_THROW(OpenDatabases(folder.state), DatabaseFault);
 }
 
-TEST(Databases, AFileOfAnotherVersionIsRefusedUnchanged) {
+TEST(Databases, AFileOfAFormerVersionIsBroughtUpToDateAndACopyKept) {
     TestFolder folder;
     folder.WithDatabase("Exercise Library.MDB", [](QSqlDatabase& db) { WriteVersion(db, "3.5"); });
-    try {
-        OpenDatabases(folder.state);
-        FAIL() << "opened a database of version 3.5";
-    } catch (const DatabaseFault& fault) {
-        EXPECT_TRUE(fault.Message().contains("\"3.5\""));
-    }
-    EXPECT_EQ(ReadDatabaseVersion(folder.File("Exercise Library.MDB")), "3.5");
+    OpenDatabases(folder.state);
+    CloseDatabases(folder.state);
+    EXPECT_EQ(ReadDatabaseVersion(folder.File("Exercise Library.MDB")), "3.8");
+    EXPECT_EQ(ReadDatabaseVersion(folder.File("Exercise Library (version 3.5).MDB")), "3.5");
 }
 
 TEST(DatabaseSession, AReopenGivesAFreshUnfilteredLibraryViewAndNoCurrentPatient) {
