@@ -80,6 +80,15 @@ void Shell::UpdateCaption() {
         title_.SetTitle(kTitle + QStringLiteral(" Patient: ") + program.FullName);
 }
 
+void Shell::ResetAfterReopen() {
+    state_.Program.PatientID.reset();
+    state_.Program.InvoiceID.reset();
+    state_.Program.FullName.clear();
+    UpdateToolbar(ToolbarMode::PatientOnly);
+    UpdateMenu(MenuMode::All);
+    UpdateCaption();
+}
+
 bool Shell::MaybeShowPrintDlg() {
     if (state_.SkipPrintDialog) {
         state_.SkipPrintDialog = false;

@@ -48,6 +48,9 @@ public:
     void SetStatusBar(const QString& text);
     void SetStatusBarReady() { SetStatusBar(kReady); }
     void UpdateCaption();
+    // After the databases were opened again by a maintenance command: no patient, program
+    // or name is current, and the toolbar, menus and title say so.
+    void ResetAfterReopen();
     // True when the next print may go on: without a dialog when one was to be skipped.
     bool MaybeShowPrintDlg();
 

@@ -7,6 +7,7 @@
 #include "shell/SingleInstance.h"
 #include "support/Fault.h"
 #include "ui/ClinicDialog.h"
+#include "ui/DatabaseCommands.h"
 #include "ui/Guarded.h"
 #include "ui/ItemsDialog.h"
 #include "ui/PatientDialogs.h"
@@ -84,6 +85,7 @@ MainWindow::MainWindow(AppState& state, ISettingsStore& store, SingleInstanceLoc
     RegisterLibraryCommands(*this, state_);
     RegisterMediaCommands(*this, state_);
     RegisterHelpCommands(*this, state_);
+    RegisterDatabaseCommands(*this, state_);
     // The sheets are laid out on 8.5 by 11 inch paper; the printer dialog can change it.
     printer_.setPageSize(QPageSize(QPageSize::Letter));
     resize(1024, 720);
@@ -137,10 +139,6 @@ void MainWindow::BuildMenu() {
     menu_.Add(QStringLiteral("mnuFile"), file->menuAction());
     QMenu* print = file->addMenu(QStringLiteral("Print"));
     menu_.Add(QStringLiteral("mnuPrint"), print->menuAction());
-    const auto later = [this](QAction* action, const QString& what) {
-        connect(action, &QAction::triggered, this,
-                Guarded([this, what] { NotYetAvailable(what); }));
-    };
     connect(AddMenuEntry(print, "mnuPrintEx4", "Exercises &4/page"), &QAction::triggered, this,
             Guarded([this] {
                 PrintExercises(kJobExercises4, QStringLiteral("Printing 4 Exercises Per Page"));
@@ -186,9 +184,10 @@ void MainWindow::BuildMenu() {
 
     QMenu* database = menuBar()->addMenu(QStringLiteral("Database"));
     menu_.Add(QStringLiteral("mnuDatabase"), database->menuAction());
-    later(AddMenuEntry(database, "mnuBackup", "&Backup"), "Backup");
-    later(AddMenuEntry(database, "mnuCompress", "&Compress"), "Compressing the databases");
-    later(AddMenuEntry(database, "mnuRebuild", "&Rebuild"), "Rebuilding the databases");
+    AddMenuEntry(database, "mnuBackup", "&Backup");
+    AddMenuEntry(database, "mnuCompress", "&Compress");
+    AddMenuEntry(database, "mnuRebuild", "&Rebuild");
+    AddMenuEntry(database, "mnuRestore", "&Restore");
 
     QMenu* tools = menuBar()->addMenu(QStringLiteral("&Tools"));
     menu_.Add(QStringLiteral("mnuTools"), tools->menuAction());
@@ -425,6 +424,10 @@ void MainWindow::LoadSelectionWorkspace() {
 void MainWindow::ReopenDatabasesAndReloadWorkspace() {
     CloseDatabases(state_);
     OpenDatabases(state_);
+    ReloadWorkspace();
+}
+
+void MainWindow::ReloadWorkspace() {
     // The workspace goes and is made again from the library as it now is.
     delete workspace_;
     workspace_ = nullptr;

@@ -45,6 +45,8 @@ public:
     // Closes and opens the databases again and makes the selection workspace anew from the
     // library as it now is (after the library was changed).
     void ReopenDatabasesAndReloadWorkspace();
+    // Makes the selection workspace anew from the databases as they are open now.
+    void ReloadWorkspace();
     // Places a dialog of the main window as every form is placed when it opens.
     void PlaceDialog(QWidget* dialog) const;
     // Runs the command, guarded, when the menu entry of the key is chosen: each subsystem

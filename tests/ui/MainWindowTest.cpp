@@ -135,6 +135,7 @@ TEST(MainWindow, MenuCaptionsWithTheirAccessKeys) {
         {"mnuBackup", "&Backup"},
         {"mnuCompress", "&Compress"},
         {"mnuRebuild", "&Rebuild"},
+        {"mnuRestore", "&Restore"},
         {"mnuTools", "&Tools"},
         {"mnuEditPicklist", "Pick&list Editor"},
         {"mnuProtocolEditor", "&Protocol Editor"},
