@@ -19,6 +19,8 @@ FLOORS = {
     "BM_PokeRoundTrip": "BM_PokeRoundTripFloor",
     "BM_OpenCropSave12MP": "BM_OpenCropSave12MPFloor",
     "BM_CopyDeliveredMedia": "BM_CopyDeliveredMediaFloor",
+    "BM_Compress": "BM_CompressFloor",
+    "BM_Backup": "BM_BackupFloor",
 }
 TARGETS = {
     "BM_LoadLibraryCache": "within 2x of the floor",
@@ -49,6 +51,10 @@ TARGETS = {
     "BM_OpenCropSave12MP": "under 1 s",
     "BM_CopyDeliveredMedia": "within 1.2x of the floor (cp -r)",
     "BM_OpenHelpWindow": "under 300 ms",
+    "BM_UpgradeWalkFromBeforeVersionTable": "under 60 s",
+    "BM_Compress": "within 1.2x of the floor (sqlite3 VACUUM INTO)",
+    "BM_Backup": "within 1.25x of the floor (zip)",
+    "BM_Restore": "under 5 s",
 }
 
 with open(sys.argv[1]) as f:

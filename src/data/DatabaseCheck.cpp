@@ -41,6 +41,16 @@ QString HeaderProblem(const QString& path) {
     return {};
 }
 
+} // namespace
+
+bool HasJournalToRecover(const QString& path) {
+    const QFileInfo journal(path + QStringLiteral("-journal"));
+    return (journal.isFile() && journal.size() > 0) ||
+           QFileInfo(path + QStringLiteral("-wal")).isFile();
+}
+
+namespace {
+
 // The engine's own view of the file: its quick check and the table that marks it.
 QString EngineProblem(const QString& path, const QString& markTable) {
     static std::atomic<int> serial{0};
@@ -49,7 +59,8 @@ QString EngineProblem(const QString& path, const QString& markTable) {
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
         db.setDatabaseName(path);
-        db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+        if (!HasJournalToRecover(path))
+            db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
         if (!db.open()) {
             problem = QStringLiteral("the file cannot be opened (%1)").arg(db.lastError().text());
         } else {

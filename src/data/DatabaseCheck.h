@@ -11,6 +11,12 @@ namespace tarvex {
 // and what to do.
 void CheckDatabaseFile(const QString& path, const QString& markTable);
 
+// Whether a journal beside the file holds work that a crash left unfinished. Such a file is
+// opened for writing by a check, so that the engine finishes or takes back that work as it
+// does at every opening; a connection that may only read cannot, and the file would look
+// damaged.
+bool HasJournalToRecover(const QString& path);
+
 // The box of a database file that cannot be used, for the given cause.
 QString UnusableDatabaseText(const QString& path, const QString& cause);
 

@@ -1,5 +1,6 @@
 #include "dbtools/DatabaseRepair.h"
 
+#include "data/DatabaseCheck.h"
 #include "data/Sql.h"
 #include "shell/PrivateFiles.h"
 #include "support/DurableFiles.h"
@@ -120,7 +121,7 @@ void RecoverInto(const QString& damaged, const QString& recovered) {
 bool DatabaseIsSound(const QString& path) {
     bool sound = false;
     try {
-        WithFile(path, true, [&](QSqlDatabase& db) {
+        WithFile(path, !HasJournalToRecover(path), [&](QSqlDatabase& db) {
             QSqlQuery check(db);
             sound = check.exec(QStringLiteral("PRAGMA integrity_check")) && check.next() &&
                     check.value(0).toString() == QLatin1String("ok");

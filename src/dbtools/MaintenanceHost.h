@@ -55,12 +55,12 @@ private:
 };
 
 // The hourglass for the length of a job.
-class BusyCursor {
+class HostHourglass {
 public:
-    explicit BusyCursor(IMaintenanceHost& host) : host_(host) { host_.SetBusy(true); }
-    ~BusyCursor() { host_.SetBusy(false); }
-    BusyCursor(const BusyCursor&) = delete;
-    BusyCursor& operator=(const BusyCursor&) = delete;
+    explicit HostHourglass(IMaintenanceHost& host) : host_(host) { host_.SetBusy(true); }
+    ~HostHourglass() { host_.SetBusy(false); }
+    HostHourglass(const HostHourglass&) = delete;
+    HostHourglass& operator=(const HostHourglass&) = delete;
 
 private:
     IMaintenanceHost& host_;

@@ -178,6 +178,7 @@ const QHash<QString, QString>& HelpPagesByWindow() {
         {QStringLiteral("frmAbout"), QStringLiteral("about.html")},
         {QStringLiteral("frmSysInfo"), QStringLiteral("system-info.html")},
         {QStringLiteral("frmHelp"), QStringLiteral("help-window.html")},
+        {QStringLiteral("frmBackup"), QStringLiteral("backup-window.html")},
     };
     return pages;
 }

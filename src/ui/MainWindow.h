@@ -33,6 +33,7 @@ public:
 
     Shell& ShellLogic() { return *shell_; }
     Prompter& Prompts() { return prompter_; }
+    ISettingsStore& Settings() { return store_; }
     QtCommands& ToolbarCommands() { return toolbar_; }
     QtCommands& MenuCommands() { return menu_; }
     QtStatusPanels& StatusPanels() { return status_; }

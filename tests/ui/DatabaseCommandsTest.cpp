@@ -1,9 +1,4 @@
-#include "data/Databases.h"
-#include "fakes/FakeControls.h"
-#include "fakes/FakeSettingsStore.h"
-#include "shell/SingleInstance.h"
-#include "support/TestFolder.h"
-#include "ui/MainWindow.h"
+#include "MainWindowRun.h"
 
 #include <QAction>
 #include <QApplication>
@@ -18,19 +13,6 @@
 using namespace tarvex;
 
 namespace {
-
-struct Window {
-    Window() : lock(dir.filePath("tarvex.lock")), window(state, store, lock, false) {
-        state.AppFolder = dir.filePath("data");
-        state.DeliveredFolder = tarvex::testing::DeliveredFolder();
-        store.values["Options/ShowTips"] = "False";
-    }
-    QTemporaryDir dir;
-    AppState state;
-    fakes::FakeSettingsStore store;
-    SingleInstanceLock lock;
-    MainWindow window;
-};
 
 // Answers the message boxes as they come with the given buttons, in order, and keeps
 // "title: text" of each.
@@ -59,8 +41,7 @@ private:
 } // namespace
 
 TEST(DatabaseCommands, CompressFromTheMenuReopensTheDatabasesAndResetsTheShell) {
-    Window w;
-    ASSERT_TRUE(w.window.Start());
+    tarvex::testing::MainWindowRun w;
     w.state.Program.PatientID = 1;
     w.state.Program.FullName = "Rossi, Ida";
     w.window.ShellLogic().UpdateCaption();
@@ -76,12 +57,10 @@ TEST(DatabaseCommands, CompressFromTheMenuReopensTheDatabasesAndResetsTheShell) 
     EXPECT_TRUE(w.state.Program.FullName.isEmpty());
     EXPECT_NE(w.window.Workspace(), nullptr);
     EXPECT_FALSE(QFileInfo::exists(w.state.AppFolder + "/~TEMP.MDB"));
-    w.window.close();
 }
 
 TEST(DatabaseCommands, RebuildOfASoundDatabaseSaysCompletedAndNoLeavesEverythingAsItWas) {
-    Window w;
-    ASSERT_TRUE(w.window.Start());
+    tarvex::testing::MainWindowRun w;
     w.state.Program.PatientID = 3;
     {
         BoxAnswers answers({QMessageBox::No});
@@ -95,5 +74,4 @@ TEST(DatabaseCommands, RebuildOfASoundDatabaseSaysCompletedAndNoLeavesEverything
                                          "Repair Database: Repair completed!"}));
     EXPECT_TRUE(w.state.Dbs.IsOpen());
     EXPECT_FALSE(w.state.Program.PatientID.has_value());
-    w.window.close();
 }
