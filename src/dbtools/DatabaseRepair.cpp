@@ -45,7 +45,7 @@ void WithFile(const QString& path, bool readOnly, const std::function<void(QSqlD
 }
 
 QString SqliteShell() {
-    const QString shell = QStandardPaths::findExecutable(QStringLiteral("sqlite3"));
+    QString shell = QStandardPaths::findExecutable(QStringLiteral("sqlite3"));
     if (shell.isEmpty())
         throw DatabaseFault(QStringLiteral(
             "The damaged database cannot be recovered: the SQLite shell \"sqlite3\" is not "

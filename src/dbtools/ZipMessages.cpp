@@ -77,7 +77,7 @@ QString FileStatus(const char* verb, const QString& name, int32_t size) {
 QString ZipErrorText(int code) {
     zip_error_t error;
     zip_error_init_with_code(&error, code);
-    const QString text = QString::fromUtf8(zip_error_strerror(&error));
+    QString text = QString::fromUtf8(zip_error_strerror(&error));
     zip_error_fini(&error);
     return text;
 }
