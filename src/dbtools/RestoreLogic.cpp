@@ -138,6 +138,8 @@ void RestoreLogic::Extract(const QString& archive, const QString& password,
         ExtractEntry(archive, FindEntry(files, db.Name)->Name, password, entry.Extracted);
         // The file must be a database of this program before it replaces anything.
         CheckDatabaseFile(entry.Extracted, QLatin1String(db.MarkTable));
+        // The check only read it: its empty journals go, so they never stand beside it.
+        ClearJournals(entry.Extracted);
     }
 }
 
@@ -165,7 +167,8 @@ void RestoreLogic::PutBack() {
 
 void RestoreLogic::RemoveExtracted() {
     for (const Entry& entry : entries_)
-        QFile::remove(entry.Extracted);
+        for (const char* suffix : {"", "-wal", "-shm", "-journal"})
+            QFile::remove(entry.Extracted + QLatin1String(suffix));
 }
 
 void RestoreLogic::RestoreDatabases() {

@@ -133,7 +133,7 @@ TEST(Restore, GivesBackExactlyTheDataOfTheBackupAndKeepsThePresentFiles) {
     EXPECT_TRUE(QFileInfo::exists(kept));
     EXPECT_TRUE(QFileInfo::exists(
         r.folder.File("Exercise Library (before restore 2026-11-24 093005).MDB")));
-    EXPECT_TRUE(QDir(r.folder.Path()).entryList({"*.restore"}).isEmpty());
+    EXPECT_TRUE(QDir(r.folder.Path()).entryList({"*.restore*"}).isEmpty());
 }
 
 TEST(Restore, AnEncryptedBackupAsksForItsPasswordAndAWrongOneChangesNothing) {
@@ -170,7 +170,7 @@ TEST(Restore, CancelAtTheChooserOrNoAtTheQuestionChangesNothing) {
     EXPECT_EQ(r.prompter.boxes.size(), 1u);
     EXPECT_TRUE(r.host.calls.isEmpty());
     EXPECT_EQ(r.Patients(), 1);
-    EXPECT_TRUE(QDir(r.folder.Path()).entryList({"*before restore*", "*.restore"}).isEmpty());
+    EXPECT_TRUE(QDir(r.folder.Path()).entryList({"*before restore*", "*.restore*"}).isEmpty());
 }
 
 TEST(Restore, BadArchivesAreRefusedWithTheDatabasesUntouched) {
@@ -208,7 +208,7 @@ TEST(Restore, BadArchivesAreRefusedWithTheDatabasesUntouched) {
         EXPECT_FALSE(r.host.calls.contains("close"));
         EXPECT_TRUE(r.folder.state.Dbs.IsOpen());
         EXPECT_EQ(r.Patients(), 1);
-        EXPECT_TRUE(QDir(r.folder.Path()).entryList({"*.restore", "*before restore*"}).isEmpty());
+        EXPECT_TRUE(QDir(r.folder.Path()).entryList({"*.restore*", "*before restore*"}).isEmpty());
     }
     EXPECT_FALSE(QFileInfo::exists(QFileInfo(r.folder.Path()).dir().filePath("Tarvex.MDB")));
 }
@@ -264,7 +264,7 @@ TEST(Restore, ADatabaseThatDoesNotOpenAfterwardsPutsThePresentFilesBack) {
     EXPECT_TRUE(r.prompter.boxes.back().text.contains("as they were before"));
     EXPECT_TRUE(r.folder.state.Dbs.IsOpen());
     EXPECT_EQ(r.Patients(), 1);
-    EXPECT_TRUE(QDir(r.folder.Path()).entryList({"*before restore*", "*.restore"}).isEmpty());
+    EXPECT_TRUE(QDir(r.folder.Path()).entryList({"*before restore*", "*.restore*"}).isEmpty());
 }
 
 TEST(Restore, TheFilesAreFoundInTheArchiveWithoutRegardToCase) {
