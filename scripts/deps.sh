@@ -9,11 +9,12 @@ TARVEX_PACKAGES=(
     clang-format
 )
 # Only the tests need these: a real print queue (a private CUPS server whose cups-pdf
-# queue writes PDF files), LibreOffice, which prints the patient instructions, and a window
-# manager with xprop and xdotool for the tests on a virtual display.
+# queue writes PDF files), LibreOffice, which prints the patient instructions, a window
+# manager with xprop and xdotool for the tests on a virtual display, and a PostgreSQL
+# server for a private cluster of the tests.
 TARVEX_TEST_PACKAGES=(
     cups printer-driver-cups-pdf ghostscript libreoffice-writer libreoffice-core
-    openbox x11-utils xdotool clang-tidy
+    openbox x11-utils xdotool clang-tidy postgresql
 )
 
 # ensure_deps [extra packages...]

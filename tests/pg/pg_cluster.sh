@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# pg_cluster.sh start|stop DIR
+#
+# A private PostgreSQL cluster for the tests: made with initdb in DIR/data, listening only
+# on a Unix socket in DIR (no TCP port), with the role "tarvex" trusted on that socket. As
+# root it runs as the system's unprivileged user "postgres"; otherwise as the caller.
+set -euo pipefail
+command=${1:?start or stop}
+dir=${2:?folder of the cluster}
+bin=$(ls -d /usr/lib/postgresql/*/bin 2>/dev/null | sort -V | tail -1)
+if [ -z "$bin" ]; then
+    echo "pg_cluster: PostgreSQL is not installed (package postgresql)" >&2
+    exit 1
+fi
+as_owner() {
+    if [ "$(id -u)" -eq 0 ]; then
+        runuser -u postgres -- "$@"
+    else
+        "$@"
+    fi
+}
+case $command in
+start)
+    if [ -f "$dir/data/postmaster.pid" ]; then
+        as_owner "$bin/pg_ctl" -D "$dir/data" -m immediate -w stop >/dev/null 2>&1 || true
+    fi
+    rm -rf "$dir"
+    mkdir -p "$dir"
+    if [ "$(id -u)" -eq 0 ]; then
+        chown postgres "$dir"
+    fi
+    as_owner "$bin/initdb" -D "$dir/data" -A trust -U tarvex -E UTF8 --locale=C.UTF-8 \
+        >"$dir/initdb.log" 2>&1 || { cat "$dir/initdb.log" >&2; exit 1; }
+    as_owner "$bin/pg_ctl" -D "$dir/data" -l "$dir/server.log" -w \
+        -o "-k $dir -c listen_addresses='' -p 5432" start >/dev/null ||
+        { cat "$dir/server.log" >&2; exit 1; }
+    ;;
+stop)
+    as_owner "$bin/pg_ctl" -D "$dir/data" -m fast -w stop >/dev/null
+    rm -rf "$dir"
+    ;;
+*)
+    echo "usage: pg_cluster.sh start|stop DIR" >&2
+    exit 2
+    ;;
+esac
