@@ -14,6 +14,7 @@
 #include "dbtools/Upgrade.h"
 #include "dbtools/ZipArchive.h"
 #include "fakes/FakeControls.h"
+#include "media/MediaFakes.h"
 #include "support/DurableFiles.h"
 #include "support/FileDialog.h"
 #include "support/TestFolder.h"
@@ -59,12 +60,6 @@ Clinic& TheClinic() {
     static Clinic clinic;
     return clinic;
 }
-
-class ChosenFile : public IOpenFileDialog {
-public:
-    std::optional<QString> ShowOpen(const OpenFileRequest&) override { return chosen; }
-    QString chosen;
-};
 
 void BM_UpgradeWalkFromBeforeVersionTable(benchmark::State& s) {
     Clinic& clinic = TheClinic();
@@ -142,8 +137,8 @@ void BM_Restore(benchmark::State& s) {
         FakeMaintenanceHost host(folder.state);
         fakes::ScriptedPrompter prompter;
         prompter.answers = {Answer::Yes, Answer::Ok};
-        ChosenFile dialog;
-        dialog.chosen = archive;
+        ScriptedOpenDialog dialog;
+        dialog.answers = {archive};
         RestoreLogic logic(host, prompter, dialog);
         s.ResumeTiming();
         logic.RestoreDatabases();

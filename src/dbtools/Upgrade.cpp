@@ -28,8 +28,7 @@ QString NewConnectionName() {
 // the copy of the file as it was, made once, before the first write.
 class UpgradeFile {
 public:
-    explicit UpgradeFile(QString path)
-        : path_(std::move(path)), formerVersion_(ReadDatabaseVersion(path_)) {}
+    explicit UpgradeFile(QString path) : path_(std::move(path)) {}
     ~UpgradeFile() { Close(); }
     UpgradeFile(const UpgradeFile&) = delete;
     UpgradeFile& operator=(const UpgradeFile&) = delete;
@@ -62,7 +61,9 @@ public:
     void KeepFormerCopy() {
         if (kept_)
             return;
-        const QString copy = FormerVersionCopyName(path_, formerVersion_);
+        // Read before the first write, so it is the version the file came with; a file that
+        // is up to date never pays for it.
+        const QString copy = FormerVersionCopyName(path_, ReadDatabaseVersion(path_));
         if (!QFileInfo::exists(copy))
             CopyDatabaseDurably(db_, copy);
         kept_ = true;
@@ -79,7 +80,6 @@ public:
 
 private:
     QString path_;
-    QString formerVersion_;
     QString name_;
     QSqlDatabase db_;
     bool kept_ = false;

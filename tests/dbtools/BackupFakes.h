@@ -21,6 +21,14 @@
 
 namespace tarvex::testing {
 
+// The titles of the boxes a prompter showed, in order.
+template <typename Prompts> QStringList BoxTitles(const Prompts& prompts) {
+    QStringList titles;
+    for (const auto& box : prompts.boxes)
+        titles << box.title;
+    return titles;
+}
+
 // True when only the file's owner may read and write it, and nobody may run it.
 inline bool IsOwnerOnly(const QString& path) {
     namespace fs = std::filesystem;
@@ -121,13 +129,7 @@ struct BackupForm {
         logic.Load({}, dir.filePath(QStringLiteral("home")));
     }
     QString Archive() const { return QDir(target).filePath(QLatin1String(kBackupArchiveName)); }
-    // The titles of the boxes shown, in order.
-    QStringList Titles() const {
-        QStringList titles;
-        for (const auto& box : prompts.boxes)
-            titles << box.title;
-        return titles;
-    }
+    QStringList Titles() const { return BoxTitles(prompts); }
 
     TestFolder data;
     QTemporaryDir dir;

@@ -5,6 +5,7 @@
 #include "dbtools/RestoreLogic.h"
 #include "dbtools/ZipArchive.h"
 #include "fakes/FakeControls.h"
+#include "media/MediaFakes.h"
 #include "support/FileDialog.h"
 
 #include <QDir>
@@ -20,16 +21,6 @@ using namespace tarvex;
 using namespace tarvex::testing;
 
 namespace {
-
-class ChosenFile : public IOpenFileDialog {
-public:
-    std::optional<QString> ShowOpen(const OpenFileRequest& request) override {
-        requests.push_back(request);
-        return chosen;
-    }
-    std::optional<QString> chosen;
-    std::vector<OpenFileRequest> requests;
-};
 
 QByteArray ReadAll(const QString& path) {
     QFile f(path);
@@ -95,7 +86,7 @@ struct Restore {
     TestFolder folder;
     QTemporaryDir backups;
     fakes::ScriptedPrompter prompter;
-    ChosenFile dialog;
+    ScriptedOpenDialog dialog;
     FakeMaintenanceHost host;
     RestoreLogic logic;
 };
@@ -115,7 +106,7 @@ TEST(Restore, GivesBackExactlyTheDataOfTheBackupAndKeepsThePresentFiles) {
     Execute(r.folder.state.Dbs.LibraryDb, "DELETE FROM ExerciseLibrary WHERE ExerciseID = 5");
     r.folder.state.Program.PatientID = 2;
 
-    r.dialog.chosen = archive;
+    r.dialog.answers = {archive};
     r.prompter.answers = {Answer::Yes, Answer::Ok};
     r.logic.RestoreDatabases();
 
@@ -141,7 +132,7 @@ TEST(Restore, AnEncryptedBackupAsksForItsPasswordAndAWrongOneChangesNothing) {
     const QString archive = r.Backup("s3cret pass");
     r.AddPatient("Rossi, Ida");
     const int patients = r.Patients();
-    r.dialog.chosen = archive;
+    r.dialog.answers = {archive, archive};
     r.prompter.inputs = {QString("wrong")};
     r.prompter.answers = {Answer::Ok};
     r.logic.RestoreDatabases();
@@ -164,7 +155,7 @@ TEST(Restore, CancelAtTheChooserOrNoAtTheQuestionChangesNothing) {
     r.AddPatient("Müller, Grace");
     r.logic.RestoreDatabases(); // the chooser gives nothing
     EXPECT_TRUE(r.prompter.boxes.empty());
-    r.dialog.chosen = archive;
+    r.dialog.answers = {archive};
     r.prompter.answers = {Answer::No};
     r.logic.RestoreDatabases();
     EXPECT_EQ(r.prompter.boxes.size(), 1u);
@@ -200,7 +191,7 @@ TEST(Restore, BadArchivesAreRefusedWithTheDatabasesUntouched) {
         SCOPED_TRACE(name);
         r.prompter.boxes.clear();
         r.host.calls.clear();
-        r.dialog.chosen = dir.filePath(name);
+        r.dialog.answers = {dir.filePath(name)};
         r.prompter.answers = {Answer::Yes, Answer::Ok};
         r.logic.RestoreDatabases();
         ASSERT_FALSE(r.prompter.boxes.empty());
@@ -224,7 +215,7 @@ TEST(Restore, ExtraAndHostileNamesBesideTheThreeFilesAreNeverWritten) {
     files["/tmp/tarvex-absolute.txt"] = "out";
     MakeZip(dir.filePath("extra.zip"), files);
     r.AddPatient("Kowalski, Jon");
-    r.dialog.chosen = dir.filePath("extra.zip");
+    r.dialog.answers = {dir.filePath("extra.zip")};
     r.prompter.answers = {Answer::Yes, Answer::Ok};
     r.logic.RestoreDatabases();
     EXPECT_TRUE(r.prompter.boxes[0].text.contains("2 other files"));
@@ -257,7 +248,7 @@ TEST(Restore, ADatabaseThatDoesNotOpenAfterwardsPutsThePresentFilesBack) {
     r.host.OpenDatabases();
     r.AddPatient("Okafor, Femi");
     r.host.calls.clear();
-    r.dialog.chosen = archive;
+    r.dialog.answers = {archive};
     r.prompter.answers = {Answer::Yes, Answer::Ok};
     r.logic.RestoreDatabases();
     EXPECT_TRUE(r.prompter.boxes.back().text.startsWith("Restore unsuccessful!"));
@@ -276,7 +267,7 @@ TEST(Restore, TheFilesAreFoundInTheArchiveWithoutRegardToCase) {
     const QString archive = QDir(r.backups.path()).filePath("cases.zip");
     MakeZip(archive, files);
     r.AddPatient("García, Ida");
-    r.dialog.chosen = archive;
+    r.dialog.answers = {archive};
     r.prompter.answers = {Answer::Yes, Answer::Ok};
     r.logic.RestoreDatabases();
     EXPECT_EQ(r.prompter.boxes.back().text.left(27), "The databases were restored");

@@ -10,20 +10,13 @@
 
 namespace {
 
-class SlowEvents : public tarvex::IZipEvents {
+class SlowEvents : public tarvex::QuietZipEvents {
 public:
-    void ZipAddingFile(const QString&, int64_t, const QString&) override {}
-    void ZipFileCompressed(const QString&, int64_t) override {}
-    void ZipTestingFile(const QString&, int64_t) override {}
-    void ZipFilePercent(int16_t) override {}
-    void ZipOverallPercent(int16_t) override {}
-    void ZipFileSkipped(const QString&, int) override {}
     void ZipIdle() override {
         std::puts("writing");
         std::fflush(stdout);
         QThread::msleep(200);
     }
-    bool ZipAbortRequested() override { return false; }
 };
 
 } // namespace

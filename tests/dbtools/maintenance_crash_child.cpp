@@ -14,6 +14,7 @@
 #include "dbtools/Upgrade.h"
 #include "dbtools/ZipArchive.h"
 #include "fakes/FakeControls.h"
+#include "media/MediaFakes.h"
 #include "support/DurableFiles.h"
 #include "support/FileDialog.h"
 
@@ -27,15 +28,6 @@ using namespace tarvex;
 
 namespace {
 
-class Chosen : public IOpenFileDialog {
-public:
-    explicit Chosen(QString archive) : archive_(std::move(archive)) {}
-    std::optional<QString> ShowOpen(const OpenFileRequest&) override { return archive_; }
-
-private:
-    QString archive_;
-};
-
 void Restore(const QString& folder, const QString& archive) {
     AppState state;
     state.AppFolder = folder;
@@ -43,7 +35,8 @@ void Restore(const QString& folder, const QString& archive) {
     OpenDatabases(state);
     fakes::ScriptedPrompter prompter;
     prompter.answers = {Answer::Yes, Answer::Ok};
-    Chosen dialog(archive);
+    testing::ScriptedOpenDialog dialog;
+    dialog.answers = {archive};
     RestoreLogic logic(host, prompter, dialog);
     logic.RestoreDatabases();
     CloseDatabases(state);

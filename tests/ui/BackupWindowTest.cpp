@@ -42,12 +42,7 @@ struct BackupWindow {
         on.sort();
         return on;
     }
-    QStringList Titles() const {
-        QStringList titles;
-        for (const auto& box : prompts.boxes)
-            titles << box.title;
-        return titles;
-    }
+    QStringList Titles() const { return BoxTitles(prompts); }
     TestFolder data;
     QTemporaryDir dir;
     QString target;
