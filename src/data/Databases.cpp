@@ -36,15 +36,6 @@ QSqlDatabase OpenFile(const QString& path, const char* role) {
     return db;
 }
 
-void CloseFile(QSqlDatabase& db) {
-    if (!db.isValid())
-        return;
-    const QString name = db.connectionName();
-    db.close();
-    db = QSqlDatabase();
-    QSqlDatabase::removeDatabase(name);
-}
-
 } // namespace
 
 DatabaseSession::~DatabaseSession() {
@@ -54,6 +45,10 @@ DatabaseSession::~DatabaseSession() {
 void DatabaseSession::OpenAll(const QString& appFolder) {
     CloseAll();
     appFolder_ = appFolder;
+    if (OnServer()) {
+        OpenServer();
+        return;
+    }
     const QString libraryName = QLatin1String(kLibraryDbFile);
     ProgramPath = FindFileNoCase(appFolder, QLatin1String(kProgramDbFile));
     LibraryPath = FindFileNoCase(appFolder, libraryName);
@@ -82,11 +77,31 @@ void DatabaseSession::OpenAll(const QString& appFolder) {
     ++OpenCount;
 }
 
+void DatabaseSession::OpenServer() {
+    const ServerSettings& server = Choice.Server;
+    // The stores are named in messages as the files are.
+    ProgramPath = StoreSchemaName(Store::Program) + QStringLiteral(" on ") + server.Describe();
+    LibraryPath = StoreSchemaName(Store::Library) + QStringLiteral(" on ") + server.Describe();
+    PicklistPath = StoreSchemaName(Store::Picklist) + QStringLiteral(" on ") + server.Describe();
+    CheckServerStores(server);
+    try {
+        ProgramDb = OpenServerStore(server, Store::Program, NewConnectionName("ProgramDb"));
+        LibraryDb = OpenServerStore(server, Store::Library, NewConnectionName("LibraryDb"));
+        Library = LibraryRecordset();
+        Library.Attach(LibraryDb);
+        PicklistDb = OpenServerStore(server, Store::Picklist, NewConnectionName("PicklistDb"));
+    } catch (...) {
+        CloseAll();
+        throw;
+    }
+    ++OpenCount;
+}
+
 void DatabaseSession::CloseAll() {
-    CloseFile(ProgramDb);
-    CloseFile(PicklistDb);
+    CloseConnection(ProgramDb);
+    CloseConnection(PicklistDb);
     Library = LibraryRecordset();
-    CloseFile(LibraryDb);
+    CloseConnection(LibraryDb);
 }
 
 void DatabaseSession::ReopenAll() {

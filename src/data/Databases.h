@@ -1,6 +1,7 @@
 #pragma once
 
 #include "data/LibraryRecordset.h"
+#include "data/Server.h"
 
 #include <QSqlDatabase>
 #include <QString>
@@ -23,7 +24,7 @@ public:
     // Checks the three files of the folder (read-only: a missing, damaged, foreign or
     // read-only file is a DatabaseFault that names it), brings them up to date and opens
     // them, with a fresh, unfiltered library view. Nothing is created, and nothing stays
-    // open after a failure.
+    // open after a failure. With the server chosen, the same for its three stores.
     void OpenAll(const QString& appFolder);
     // Closes "Tarvex.MDB", "Picklist.MDB" and "Exercise Library.MDB", in that order.
     void CloseAll();
@@ -31,6 +32,10 @@ public:
     void ReopenAll();
 
     bool IsOpen() const { return ProgramDb.isValid() && ProgramDb.isOpen(); }
+    bool OnServer() const { return Choice.Engine == DatabaseEngine::Postgres; }
+
+    // Where the databases live; read from the settings before the first opening.
+    EngineChoice Choice;
 
     QString ProgramPath;
     QString LibraryPath;
@@ -44,6 +49,8 @@ public:
     Prompter* UpgradePrompter = nullptr;
 
 private:
+    void OpenServer();
+
     QString appFolder_;
 };
 

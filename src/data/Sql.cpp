@@ -1,5 +1,6 @@
 #include "data/Sql.h"
 
+#include "data/Schema.h"
 #include "support/Fault.h"
 
 #include <QRegularExpression>
@@ -10,10 +11,6 @@
 namespace tarvex {
 
 namespace {
-
-QString QuoteIdentifier(const QString& name) {
-    return u'"' + name + u'"';
-}
 
 // SQLite's code for a file that it cannot open (SQLITE_CANTOPEN).
 constexpr const char* kCannotOpen = "14";
@@ -95,17 +92,19 @@ std::pair<QString, bool> TranslatePattern(const QString& quoted) {
 
 } // namespace
 
-QString TranslateJet(const QString& jetSql) {
+QString TranslateJet(const QString& jetSql, SqlDialect dialect) {
     static const QRegularExpression deleteStar(QStringLiteral("^\\s*DELETE\\s+\\*\\s+FROM\\b"),
                                                QRegularExpression::CaseInsensitiveOption);
     static const QRegularExpression distinctRow(QStringLiteral("\\bDISTINCTROW\\s+"),
                                                 QRegularExpression::CaseInsensitiveOption);
     static const QRegularExpression top(QStringLiteral("^(\\s*SELECT\\s+)TOP\\s+(\\d+)\\s+"),
                                         QRegularExpression::CaseInsensitiveOption);
-    // The column Desc is a keyword of SQLite; the keyword DESC is always spelled in capitals.
+    // The column Desc is a keyword of both engines; the keyword DESC is always spelled in
+    // capitals.
     static const QRegularExpression descColumn(QStringLiteral("(?<!\\w)Desc\\b"));
-    static const QRegularExpression likeBefore(QStringLiteral("\\bLIKE\\s*$"),
+    static const QRegularExpression likeBefore(QStringLiteral("\\bLIKE(\\s*)$"),
                                                QRegularExpression::CaseInsensitiveOption);
+    const bool server = dialect == SqlDialect::Postgres;
 
     std::vector<SqlPiece> pieces = CutIntoPieces(jetSql);
     QString limit;
@@ -113,10 +112,30 @@ QString TranslateJet(const QString& jetSql) {
     for (size_t n = 0; n < pieces.size(); ++n) {
         SqlPiece& piece = pieces[n];
         if (piece.kind == SqlPiece::Kind::Value && n > 0 &&
-            pieces[n - 1].kind == SqlPiece::Kind::Plain &&
-            likeBefore.match(pieces[n - 1].text).hasMatch()) {
-            const auto [pattern, escaped] = TranslatePattern(piece.text);
-            piece.text = pattern + (escaped ? QStringLiteral(" ESCAPE '\\'") : QString());
+            pieces[n - 1].kind == SqlPiece::Kind::Plain) {
+            QString& before = pieces[n - 1].text;
+            const auto like = likeBefore.match(before);
+            if (like.hasMatch()) {
+                const auto [pattern, escaped] = TranslatePattern(piece.text);
+                piece.text = pattern;
+                // The server's text compares without regard to case and refuses patterns;
+                // ILIKE under a deterministic collation matches as the classic LIKE did.
+                if (server) {
+                    before.replace(like.capturedStart(), like.capturedLength(),
+                                   QStringLiteral("ILIKE") + like.captured(1));
+                    piece.text += QStringLiteral(" COLLATE \"%1\"")
+                                      .arg(QLatin1String(kServerPatternCollation));
+                }
+                if (escaped)
+                    piece.text += QStringLiteral(" ESCAPE '\\'");
+                continue;
+            }
+        }
+        if (piece.kind == SqlPiece::Kind::Name) {
+            if (server)
+                piece.text =
+                    QuoteName(dialect, piece.text.mid(1, piece.text.size() - 2)
+                                           .replace(QStringLiteral("\"\""), QStringLiteral("\"")));
             continue;
         }
         if (piece.kind != SqlPiece::Kind::Plain)
@@ -130,12 +149,26 @@ QString TranslateJet(const QString& jetSql) {
             }
         }
         piece.text.replace(distinctRow, QString());
-        piece.text.replace(descColumn, QStringLiteral("\"Desc\""));
+        piece.text.replace(descColumn, QuoteName(dialect, QStringLiteral("Desc")));
     }
     QString sql;
     for (const SqlPiece& piece : pieces)
         sql += piece.text;
     return sql + limit;
+}
+
+SqlDialect DialectOf(const QSqlDatabase& db) {
+    return db.driverName() == QLatin1String("QPSQL") ? SqlDialect::Postgres : SqlDialect::Sqlite;
+}
+
+QString QuoteName(SqlDialect dialect, const QString& name) {
+    QString inner = dialect == SqlDialect::Postgres ? name.toLower() : name;
+    inner.replace(u'"', QStringLiteral("\"\""));
+    return u'"' + inner + u'"';
+}
+
+QString RowIdentityColumn(SqlDialect dialect) {
+    return dialect == SqlDialect::Postgres ? QStringLiteral("ctid") : QStringLiteral("rowid");
 }
 
 QString SqlText(const QString& value) {
@@ -146,7 +179,7 @@ QString SqlText(const QString& value) {
 
 void Execute(QSqlDatabase& db, const QString& jetSql) {
     QSqlQuery query(db);
-    const QString sql = TranslateJet(jetSql);
+    const QString sql = TranslateJet(jetSql, DialectOf(db));
     if (!query.exec(sql))
         Fail(query.lastError(), sql);
 }
@@ -154,15 +187,16 @@ void Execute(QSqlDatabase& db, const QString& jetSql) {
 QSqlQuery OpenQuery(QSqlDatabase& db, const QString& jetSql) {
     QSqlQuery query(db);
     query.setForwardOnly(true);
-    const QString sql = TranslateJet(jetSql);
+    const QString sql = TranslateJet(jetSql, DialectOf(db));
     if (!query.exec(sql))
         Fail(query.lastError(), sql);
     return query;
 }
 
-QSqlQuery ExecPrepared(QSqlDatabase& db, const QString& sql, const QVariantList& values) {
+QSqlQuery ExecPrepared(QSqlDatabase& db, const QString& jetSql, const QVariantList& values) {
     QSqlQuery query(db);
     query.setForwardOnly(true);
+    const QString sql = TranslateJet(jetSql, DialectOf(db));
     if (!query.prepare(sql))
         Fail(query.lastError(), sql);
     for (const QVariant& v : values)
@@ -173,44 +207,58 @@ QSqlQuery ExecPrepared(QSqlDatabase& db, const QString& sql, const QVariantList&
 }
 
 qint64 InsertRow(QSqlDatabase& db, const QString& table, const ColumnValues& values) {
+    const SqlDialect dialect = DialectOf(db);
     QStringList columns, marks;
     QVariantList bound;
     for (const auto& [column, value] : values) {
-        columns << QuoteIdentifier(column);
+        columns << QuoteName(dialect, column);
         marks << QStringLiteral("?");
         bound << value;
     }
-    const QString sql = values.empty() ? QStringLiteral("INSERT INTO %1 DEFAULT VALUES").arg(table)
-                                       : QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                                             .arg(table, columns.join(u','), marks.join(u','));
+    QString sql = values.empty() ? QStringLiteral("INSERT INTO %1 DEFAULT VALUES").arg(table)
+                                 : QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                                       .arg(table, columns.join(u','), marks.join(u','));
+    const QString key = IdentityKeyOf(table);
+    // The server gives the key with the row: a read of the highest key afterwards could see
+    // another workstation's row.
+    if (dialect == SqlDialect::Postgres && !key.isEmpty())
+        sql += QStringLiteral(" RETURNING ") + QuoteName(dialect, key);
     QSqlQuery query = ExecPrepared(db, sql, bound);
-    return query.lastInsertId().toLongLong();
+    if (dialect == SqlDialect::Postgres)
+        return !key.isEmpty() && query.next() ? query.value(0).toLongLong() : 0;
+    return key.isEmpty() ? 0 : query.lastInsertId().toLongLong();
 }
 
 void UpdateRow(QSqlDatabase& db, const QString& table, const QString& keyColumn,
                const QVariant& key, const ColumnValues& values) {
+    const SqlDialect dialect = DialectOf(db);
     QStringList sets;
     QVariantList bound;
     for (const auto& [column, value] : values) {
-        sets << QuoteIdentifier(column) + QStringLiteral("=?");
+        sets << QuoteName(dialect, column) + QStringLiteral("=?");
         bound << value;
     }
     bound << key;
     ExecPrepared(db,
                  QStringLiteral("UPDATE %1 SET %2 WHERE %3=?")
-                     .arg(table, sets.join(u','), QuoteIdentifier(keyColumn)),
+                     .arg(table, sets.join(u','), QuoteName(dialect, keyColumn)),
                  bound);
 }
 
 PreparedInsert::PreparedInsert(QSqlDatabase& db, const QString& table, const QStringList& columns)
     : query_(db) {
+    const SqlDialect dialect = DialectOf(db);
     QStringList quoted, marks;
     for (const QString& column : columns) {
-        quoted << QuoteIdentifier(column);
+        quoted << QuoteName(dialect, column);
         marks << QStringLiteral("?");
     }
     sql_ = QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
                .arg(table, quoted.join(u','), marks.join(u','));
+    key_ = IdentityKeyOf(table);
+    returning_ = dialect == SqlDialect::Postgres && !key_.isEmpty();
+    if (returning_)
+        sql_ += QStringLiteral(" RETURNING ") + QuoteName(dialect, key_);
     if (!query_.prepare(sql_))
         Fail(query_.lastError(), sql_);
 }
@@ -220,7 +268,9 @@ qint64 PreparedInsert::Insert(const QVariantList& values) {
         query_.bindValue(i, values[i]);
     if (!query_.exec())
         Fail(query_.lastError(), sql_);
-    return query_.lastInsertId().toLongLong();
+    if (returning_)
+        return query_.next() ? query_.value(0).toLongLong() : 0;
+    return key_.isEmpty() ? 0 : query_.lastInsertId().toLongLong();
 }
 
 Transaction::Transaction(QSqlDatabase& db) : db_(db) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "data/Dialect.h"
+
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QString>
@@ -12,8 +14,8 @@ namespace tarvex {
 
 // The statements of the system are kept in the classic Jet dialect ("DELETE * FROM",
 // "SELECT TOP 1", "DISTINCTROW", "*" wildcards) because the texts are observable values.
-// They are turned into SQLite's dialect here, at the one place where they are executed.
-QString TranslateJet(const QString& jetSql);
+// They are turned into the engine's dialect here, at the one place where they are executed.
+QString TranslateJet(const QString& jetSql, SqlDialect dialect = SqlDialect::Sqlite);
 
 // A text value as an SQL literal: between single quotes, an apostrophe doubled.
 QString SqlText(const QString& value);
@@ -24,13 +26,13 @@ void Execute(QSqlDatabase& db, const QString& jetSql);
 // Runs a query and returns it positioned before its first row (forward only).
 QSqlQuery OpenQuery(QSqlDatabase& db, const QString& jetSql);
 
-// Runs a prepared statement with values bound in order.
-QSqlQuery ExecPrepared(QSqlDatabase& db, const QString& sql, const QVariantList& values);
+// Runs a prepared statement, translated as above, with values bound in order.
+QSqlQuery ExecPrepared(QSqlDatabase& db, const QString& jetSql, const QVariantList& values);
 
 using ColumnValues = std::vector<std::pair<QString, QVariant>>;
 
 // Adds a row with the given columns (an invalid QVariant writes null) and returns the
-// key the engine gave it.
+// key the engine gave it (0 for a table whose key is not the engine's to give).
 qint64 InsertRow(QSqlDatabase& db, const QString& table, const ColumnValues& values);
 
 // Changes the columns of the row whose keyColumn equals key.
@@ -42,11 +44,14 @@ void UpdateRow(QSqlDatabase& db, const QString& table, const QString& keyColumn,
 class PreparedInsert {
 public:
     PreparedInsert(QSqlDatabase& db, const QString& table, const QStringList& columns);
+    // Adds the row; returns its key as InsertRow does.
     qint64 Insert(const QVariantList& values);
 
 private:
     QSqlQuery query_;
     QString sql_;
+    QString key_;
+    bool returning_ = false;
 };
 
 // One transaction: commits when Commit() is called, rolls back otherwise.

@@ -13,10 +13,10 @@ const QStringList& ExerciseRowColumns() {
 }
 
 QVariantList ExerciseRowValues(const ExerciseEntry& e) {
-    return {e.ExerciseID, e.Code,      e.Desc,      e.AbbrevDesc,       e.Reps,      e.Hold,
-            e.Sets,       e.Movie,     e.Icon,      e.Picture0,         e.Picture1,  e.Picture2,
-            e.Instruct0,  e.Instruct1, e.Instruct2, e.HasVideo ? 1 : 0, e.VideoReps, e.VideoHold,
-            e.VideoSets};
+    return {e.ExerciseID, e.Code,      e.Desc,      e.AbbrevDesc, e.Reps,
+            e.Hold,       e.Sets,      e.Movie,     e.Icon,       e.Picture0,
+            e.Picture1,   e.Picture2,  e.Instruct0, e.Instruct1,  e.Instruct2,
+            e.HasVideo,   e.VideoReps, e.VideoHold, e.VideoSets};
 }
 
 ExerciseRowReader::ExerciseRowReader(const QSqlRecord& r)

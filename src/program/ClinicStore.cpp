@@ -45,15 +45,17 @@ void WriteClinicRecord(AppState& state) {
         {QStringLiteral("BillAddr"), c.BillAddr},
         {QStringLiteral("PayMethod"), c.PayMethod},
         {QStringLiteral("CardNum"), c.CardNum},
-        {QStringLiteral("CardDate"), DateToStorage(c.CardDate)},
+        {QStringLiteral("CardDate"), StoredDate(c.CardDate)},
         {QStringLiteral("NameOnCard"), c.NameOnCard},
     };
     Transaction transaction(db);
-    QSqlQuery first = OpenQuery(db, QStringLiteral("SELECT rowid FROM Clinic LIMIT 1"));
+    // The table has no key: its one row is named by the engine's own row identity.
+    const QString identity = RowIdentityColumn(DialectOf(db));
+    QSqlQuery first = OpenQuery(db, QStringLiteral("SELECT %1 FROM Clinic LIMIT 1").arg(identity));
     if (first.next()) {
-        const QVariant rowid = first.value(0);
+        const QVariant row = first.value(0);
         first.finish();
-        UpdateRow(db, QStringLiteral("Clinic"), QStringLiteral("rowid"), rowid, values);
+        UpdateRow(db, QStringLiteral("Clinic"), identity, row, values);
     } else {
         first.finish();
         InsertRow(db, QStringLiteral("Clinic"), values);

@@ -69,13 +69,13 @@ void ProgramStore::WriteRows() {
     if (!p.Date.isValid() || p.Date == ZeroDate())
         p.Date = QDateTime::currentDateTime();
     ColumnValues invoice = {
-        {"PatientID", *p.PatientID}, {"Date", DateToStorage(p.Date)}, {"Provider", p.Provider},
+        {"PatientID", *p.PatientID}, {"Date", StoredDate(p.Date)}, {"Provider", p.Provider},
         {"Usage", p.Usage},          {"BillAddr", p.BillAddr},
     };
     if (!p.PayMethod.isEmpty())
         invoice.push_back({"PayMethod", p.PayMethod});
     invoice.insert(invoice.end(), {{"CardNum", p.CardNum},
-                                   {"CardDate", DateToStorage(p.CardDate)},
+                                   {"CardDate", StoredDate(p.CardDate)},
                                    {"NameOnCard", p.NameOnCard},
                                    {"Tax", p.Tax},
                                    {"ShipAddr", p.ShipAddr},
@@ -88,11 +88,11 @@ void ProgramStore::WriteRows() {
     PreparedInsert exercises(db, QStringLiteral("Exercise"), kExerciseColumns);
     for (int i = 0; i < p.NumExercises; ++i) {
         const ExerciseEntry& e = p.Exercise(i);
-        exercises.Insert(
-            {id,          e.AbbrevDesc, e.Code,      e.Desc,      e.ExerciseID, e.Hold,
-             e.Icon,      e.Movie,      e.Instruct0, e.Instruct1, e.Instruct2,  e.Picture0,
-             e.Picture1,  e.Picture2,   i,           e.Reps,      e.Sets,       e.HasVideo ? 1 : 0,
-             e.VideoReps, e.VideoHold,  e.VideoSets});
+        exercises.Insert({id,          e.AbbrevDesc, e.Code,     e.Desc,      e.ExerciseID,
+                          e.Hold,      e.Icon,       e.Movie,    e.Instruct0, e.Instruct1,
+                          e.Instruct2, e.Picture0,   e.Picture1, e.Picture2,  i,
+                          e.Reps,      e.Sets,       e.HasVideo, e.VideoReps, e.VideoHold,
+                          e.VideoSets});
     }
     PreparedInsert items(db, QStringLiteral("Items"), kItemColumns);
     for (int i = 0; i < p.NumItems; ++i) {

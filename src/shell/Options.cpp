@@ -46,6 +46,41 @@ int32_t ReadSiteNumber(const ISettingsStore& store) {
 
 } // namespace
 
+EngineChoice ReadEngineChoice(const ISettingsStore& store) {
+    const QString section = QStringLiteral("Database");
+    const auto value = [&](const char* key) {
+        return store.Get(section, QLatin1String(key)).value_or(QString()).trimmed();
+    };
+    const auto wrong = [&](const QString& what) {
+        return Fault(QStringLiteral("The settings file %1, section [%2]: %3")
+                         .arg(store.Location(), section, what));
+    };
+    EngineChoice choice;
+    const QString engine = value("Engine");
+    if (engine.isEmpty() || engine.compare(QLatin1String("SQLite"), Qt::CaseInsensitive) == 0)
+        return choice;
+    if (engine.compare(QLatin1String("PostgreSQL"), Qt::CaseInsensitive) != 0)
+        throw wrong(QStringLiteral("the engine \"%1\" is none this program knows; write "
+                                   "\"SQLite\" or \"PostgreSQL\".")
+                        .arg(engine.left(40)));
+    if (store.Get(section, QStringLiteral("Password")))
+        throw wrong(QStringLiteral("a password does not belong in the settings. Remove the key "
+                                   "\"Password\" and keep the password in the file ~/.pgpass "
+                                   "(or in the service file)."));
+    choice.Engine = DatabaseEngine::Postgres;
+    choice.Server.Service = value("Service");
+    choice.Server.Host = value("Host");
+    choice.Server.Database = value("Name");
+    choice.Server.User = value("User");
+    if (const QString port = value("Port"); !port.isEmpty()) {
+        bool ok = false;
+        choice.Server.Port = port.toInt(&ok);
+        if (!ok || choice.Server.Port < 1 || choice.Server.Port > 65535)
+            throw wrong(QStringLiteral("the port \"%1\" is no port number.").arg(port.left(40)));
+    }
+    return choice;
+}
+
 QString DefaultCDRomDrive(const AppState& state) {
     return QDir::toNativeSeparators(QDir::cleanPath(state.DeliveredFolder));
 }
@@ -68,6 +103,7 @@ void LoadOptions(AppState& state, const ISettingsStore& store) {
     state.Prefs.Provider = TextOption(store, "Provider", QString());
     state.Print.BaseFontSize = 10;
     state.SiteNumber = ReadSiteNumber(store);
+    state.Dbs.Choice = ReadEngineChoice(store);
 }
 
 void SaveOptions(const AppState& state, ISettingsStore& store) {

@@ -43,6 +43,10 @@ QString DateToStorage(const QDateTime& date) {
     return date.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
+QVariant StoredDate(const QDateTime& date) {
+    return date.isValid() ? QVariant(DateToStorage(date)) : QVariant();
+}
+
 namespace {
 
 // The stored form "yyyy-MM-dd HH:mm:ss" (or with "T"), read without the general parser,

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <QVariant>
 #include <optional>
 
 namespace tarvex {
@@ -34,5 +35,8 @@ QString DefaultDateText(const QDateTime& date);
 
 // The form in which dates are stored in the databases.
 QString DateToStorage(const QDateTime& date);
+// The value a date column is given: the stored form, or null for a date that is no date
+// (both engines then read it back as no date; the server takes no empty text for one).
+QVariant StoredDate(const QDateTime& date);
 
 } // namespace tarvex
