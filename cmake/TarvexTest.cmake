@@ -23,3 +23,15 @@ function(tarvex_add_test name)
         PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen" ${ARG_PROPERTIES}
         DISCOVERY_TIMEOUT 60)
 endfunction()
+
+# Runs a test program's tests a second time against the test server (a private PostgreSQL
+# cluster started by the fixture pg_cluster), under names that begin with "server/".
+function(tarvex_test_on_server name)
+    gtest_discover_tests(${name}
+        TEST_PREFIX "server/"
+        DISCOVERY_MODE PRE_TEST
+        PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen"
+                   ENVIRONMENT_MODIFICATION "TARVEX_TEST_SERVER=set:${TARVEX_PG_DIR}"
+                   FIXTURES_REQUIRED pg_cluster
+        DISCOVERY_TIMEOUT 60)
+endfunction()

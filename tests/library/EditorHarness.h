@@ -111,7 +111,7 @@ struct Editor {
                    {"Type", "Strengthening"},
                    {"Movie", "M" + QString::number(id) + ".AVI"},
                    {"IconSrc", 1},
-                   {"HasVideo", 1}});
+                   {"HasVideo", true}});
     }
     // A picture file of the exercise in the picture folder, as the picture editor saves it.
     QString PutPicture(qint64 id, int view, QSize size = {900, 675}) {

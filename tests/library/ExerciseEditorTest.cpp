@@ -156,7 +156,7 @@ TEST(ExerciseEditor, ANumberBeyondSixteenBitsIsAnOverflowAndAFractionIsRounded) 
 
 TEST(ExerciseEditor, EditingShowsTheRowAndSavingAnOriginalClearsItsVideoAndSetsItsCode) {
     Editor e;
-    Execute(e.Db(), "UPDATE ExerciseLibrary SET HasVideo = 1, code = 'K7', IconSrc = 2 "
+    Execute(e.Db(), "UPDATE ExerciseLibrary SET HasVideo = TRUE, code = 'K7', IconSrc = 2 "
                     "WHERE ExerciseID = 7");
     const QSqlRecord before = e.Row(7);
     e.Edit(7);

@@ -55,7 +55,7 @@ struct Library {
                    {"Joint", "Knee"},
                    {"Motion", "Flexion"},
                    {"Type", "Strengthening"},
-                   {"HasVideo", 0}});
+                   {"HasVideo", false}});
     }
 
     tarvex::testing::TestFolder folder;
@@ -93,7 +93,7 @@ TEST(LibraryList, TheCodeHasThreeDigitsAtLeast) {
 
 TEST(LibraryList, NullFieldsShowAsEmptyTexts) {
     Library l;
-    InsertRow(l.Db(), "ExerciseLibrary", {{"ExerciseID", 100000}, {"HasVideo", 0}});
+    InsertRow(l.Db(), "ExerciseLibrary", {{"ExerciseID", 100000}, {"HasVideo", false}});
     l.logic.cmdFillListBox_Click();
     const int row = l.RowOf("100000");
     ASSERT_GE(row, 0);
@@ -241,8 +241,8 @@ TEST(LibraryList, CleanTextOnACurrentDatabaseStopsAtTheFirstRowWithTheUnknownFie
         EXPECT_EQ(fault.Number(), 3265);
         EXPECT_TRUE(fault.Message().contains("Instruct3")) << fault.Message().toStdString();
     }
-    QSqlQuery q = OpenQuery(l.Db(), "SELECT COUNT(*) FROM ExerciseLibrary WHERE Instruct1 = "
-                                    "'one' || char(13) || char(10) || 'two'");
+    QSqlQuery q = ExecPrepared(l.Db(), "SELECT COUNT(*) FROM ExerciseLibrary WHERE Instruct1 = ?",
+                               {QStringLiteral("one\r\ntwo")});
     ASSERT_TRUE(q.next());
     EXPECT_EQ(q.value(0).toInt(), l.Count()); // not even the first row was changed
 }

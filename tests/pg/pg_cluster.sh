@@ -2,7 +2,8 @@
 # pg_cluster.sh start|stop DIR
 #
 # A private PostgreSQL cluster for the tests: made with initdb in DIR/data, listening only
-# on a Unix socket in DIR (no TCP port), with the role "tarvex" trusted on that socket. As
+# on a Unix socket in DIR (no TCP port), with the role "tarvex" trusted on that socket and a
+# role "clinic", when a test makes it, asked for its password. As
 # root it runs as the system's unprivileged user "postgres"; otherwise as the caller.
 set -euo pipefail
 command=${1:?start or stop}
@@ -31,6 +32,10 @@ start)
     fi
     as_owner "$bin/initdb" -D "$dir/data" -A trust -U tarvex -E UTF8 --locale=C.UTF-8 \
         >"$dir/initdb.log" 2>&1 || { cat "$dir/initdb.log" >&2; exit 1; }
+    # The role "clinic" logs in with a password, as a clinic's workstations do; every other
+    # role is trusted on the socket.
+    printf '%s\n' 'local all clinic scram-sha-256' 'local all all trust' |
+        as_owner tee "$dir/data/pg_hba.conf" >/dev/null
     as_owner "$bin/pg_ctl" -D "$dir/data" -l "$dir/server.log" -w \
         -o "-k $dir -c listen_addresses='' -p 5432" start >/dev/null ||
         { cat "$dir/server.log" >&2; exit 1; }

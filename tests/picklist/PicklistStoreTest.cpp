@@ -237,8 +237,7 @@ TEST(SavePicklistTree, TwoEntriesWithTheSameTextAreBothKept) {
 
 TEST(SavePicklistTree, AFailureInTheMiddleLeavesTheOldPicklists) {
     PicklistHarness h;
-    Execute(h.Db(), "CREATE TRIGGER refuse BEFORE INSERT ON Level1 WHEN NEW.Name = 'Refused' "
-                    "BEGIN SELECT RAISE(ABORT, 'refused'); END");
+    tarvex::testing::RefuseWhen(h.Db(), "INSERT", "Level1", "NEW.Name = 'Refused'", "refused");
     FakeTree tree;
     LoadPicklistTree(h.folder.state, tree);
     tree.AddNode("Provider", "n1", "New therapist");

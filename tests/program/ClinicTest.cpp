@@ -31,7 +31,7 @@ struct ClinicForm {
 // A new run on the same folder: what a restart reads.
 ClinicInfo ReadAfterRestart(TestFolder& folder) {
     AppState fresh;
-    fresh.AppFolder = folder.Path();
+    folder.PointAt(fresh);
     OpenDatabases(fresh);
     ReadClinicRecord(fresh);
     CloseDatabases(fresh);
@@ -148,7 +148,7 @@ TEST(ClinicDialog, SavingMasterCardAndRestartingShowsVisa) {
     EXPECT_EQ(folder.state.Clinic.PayMethod, "Master Card");
 
     AppState restarted;
-    restarted.AppFolder = folder.Path();
+    folder.PointAt(restarted);
     OpenDatabases(restarted);
     ReadClinicRecord(restarted);
     EXPECT_EQ(restarted.Clinic.PayMethod, "0"); // read back as a number

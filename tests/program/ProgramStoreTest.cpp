@@ -273,7 +273,7 @@ TEST(LoadProgram, MoreThanTwentyRowsIsABoundsFault) {
                {"Reps", 1},
                {"Hold", 0},
                {"Sets", 1},
-               {"HasVideo", 0}});
+               {"HasVideo", false}});
     EXPECT_THROW(h.store.LoadProgram(h.Program().InvoiceID), BoundsFault);
 }
 
@@ -341,7 +341,7 @@ TEST(LoadProgram, OnlyTheOrderOfRankOnTapeCounts) {
                    {"Reps", 1},
                    {"Hold", 0},
                    {"Sets", 1},
-                   {"HasVideo", 0}});
+                   {"HasVideo", false}});
     h.store.LoadProgram(id);
     ASSERT_EQ(h.Program().NumExercises, 3);
     EXPECT_EQ(h.Program().Exercise(0).ExerciseID, 7);

@@ -1,6 +1,7 @@
 // A child process for the crash test: opens the databases of the folder given and saves
 // the first patient's 20-exercise program over and over, replacing it each time, until it
-// is killed. It prints "saved" after each save.
+// is killed. It prints "saved" after each save. With a third argument, the databases are
+// that database of the test server instead.
 
 #include "data/Databases.h"
 #include "exercise/LibraryCache.h"
@@ -16,10 +17,16 @@ using namespace tarvex;
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
-    if (argc != 3)
+    if (argc != 3 && argc != 4)
         return 2;
     AppState state;
     state.AppFolder = QString::fromLocal8Bit(argv[1]);
+    if (argc == 4) {
+        state.Dbs.Choice.Engine = DatabaseEngine::Postgres;
+        state.Dbs.Choice.Server.Host = qEnvironmentVariable("TARVEX_TEST_SERVER");
+        state.Dbs.Choice.Server.Database = QString::fromLocal8Bit(argv[3]);
+        state.Dbs.Choice.Server.User = QStringLiteral("tarvex");
+    }
     OpenDatabases(state);
     LoadLibraryCache(state);
     tarvex::testing::ShellHarness shell(state);
