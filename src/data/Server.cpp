@@ -130,48 +130,37 @@ QSqlDatabase OpenServerStore(const ServerSettings& server, Store store,
 }
 
 void CheckServerStores(const ServerSettings& server) {
-    const QString name = QStringLiteral("server-check");
-    QSqlDatabase db = Connect(server, name);
-    try {
-        Transaction transaction(db);
-        LockServerStores(db);
-        QStringList missing;
-        for (const Store store : kAllStores)
-            missing << MissingTables(db, store);
-        if (!missing.isEmpty())
-            throw DatabaseFault(
-                QStringLiteral("The database on the server (%1) is not one of TVX Regimenter: "
-                               "it has no table %2.\n\nNothing has been changed. Check the "
-                               "section [Database] of the settings, or move the clinic's "
-                               "databases there with tarvex-migrate.")
-                    .arg(server.Describe(), missing.join(QStringLiteral(", "))));
-        CheckVersion(db, server, Store::Program);
-        CheckVersion(db, server, Store::Library);
-        transaction.Commit();
-    } catch (...) {
-        CloseConnection(db);
-        throw;
-    }
-    CloseConnection(db);
+    OwnedConnection connection(Connect(server, QStringLiteral("server-check")));
+    QSqlDatabase& db = connection.Db();
+    Transaction transaction(db);
+    LockServerStores(db);
+    QStringList missing;
+    for (const Store store : kAllStores)
+        missing << MissingTables(db, store);
+    if (!missing.isEmpty())
+        throw DatabaseFault(
+            QStringLiteral("The database on the server (%1) is not one of TVX Regimenter: it has "
+                           "no table %2.\n\nNothing has been changed. Check the section "
+                           "[Database] of the settings, or move the clinic's databases there "
+                           "with tarvex-migrate.")
+                .arg(server.Describe(), missing.join(QStringLiteral(", "))));
+    CheckVersion(db, server, Store::Program);
+    CheckVersion(db, server, Store::Library);
+    transaction.Commit();
 }
 
 void CreateServerStores(const ServerSettings& server) {
-    QSqlDatabase db = Connect(server, QStringLiteral("server-create"));
-    try {
-        Transaction transaction(db);
-        LockServerStores(db);
-        for (const Store store : kAllStores) {
-            CreateStoreSchema(db, store);
-            if (store != Store::Picklist)
-                ExecPrepared(db, QStringLiteral("INSERT INTO Version (Version) VALUES (?)"),
-                             {QLatin1String(kCurrentDatabaseVersion)});
-        }
-        transaction.Commit();
-    } catch (...) {
-        CloseConnection(db);
-        throw;
+    OwnedConnection connection(Connect(server, QStringLiteral("server-create")));
+    QSqlDatabase& db = connection.Db();
+    Transaction transaction(db);
+    LockServerStores(db);
+    for (const Store store : kAllStores) {
+        CreateStoreSchema(db, store);
+        if (store != Store::Picklist)
+            ExecPrepared(db, QStringLiteral("INSERT INTO Version (Version) VALUES (?)"),
+                         {QLatin1String(kCurrentDatabaseVersion)});
     }
-    CloseConnection(db);
+    transaction.Commit();
 }
 
 void LockServerStores(QSqlDatabase& db) {

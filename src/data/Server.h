@@ -61,4 +61,18 @@ void CreateStoreSchema(QSqlDatabase& db, Store store);
 // Closes and forgets a connection.
 void CloseConnection(QSqlDatabase& db);
 
+// Owns a connection for a scope: closes and forgets it when it goes, whatever happens.
+class OwnedConnection {
+public:
+    explicit OwnedConnection(const QSqlDatabase& db) : db_(db) {}
+    ~OwnedConnection() { CloseConnection(db_); }
+    OwnedConnection(const OwnedConnection&) = delete;
+    OwnedConnection& operator=(const OwnedConnection&) = delete;
+
+    QSqlDatabase& Db() { return db_; }
+
+private:
+    QSqlDatabase db_;
+};
+
 } // namespace tarvex

@@ -290,29 +290,17 @@ std::vector<TableTally> CopyStore(QSqlDatabase& from, QSqlDatabase& to, Store st
 std::vector<TableTally> MoveFolderToServer(const QString& folder, const ServerSettings& server,
                                            const std::function<void(const QString&)>& progress) {
     std::vector<TableTally> tallies;
-    QSqlDatabase target = OpenServerDatabase(server, NewName("target"));
-    try {
-        Transaction transaction(target);
-        LockServerStores(target);
-        for (const Store store : kAllStores) {
-            QSqlDatabase source = OpenSourceFile(folder, store);
-            try {
-                RequireKnownVersion(source, store, QDir::toNativeSeparators(folder));
-                CreateStoreSchema(target, store);
-                const auto copied = CopyStore(source, target, store, progress);
-                tallies.insert(tallies.end(), copied.begin(), copied.end());
-            } catch (...) {
-                CloseConnection(source);
-                throw;
-            }
-            CloseConnection(source);
-        }
-        transaction.Commit();
-    } catch (...) {
-        CloseConnection(target);
-        throw;
+    OwnedConnection target(OpenServerDatabase(server, NewName("target")));
+    Transaction transaction(target.Db());
+    LockServerStores(target.Db());
+    for (const Store store : kAllStores) {
+        OwnedConnection source(OpenSourceFile(folder, store));
+        RequireKnownVersion(source.Db(), store, QDir::toNativeSeparators(folder));
+        CreateStoreSchema(target.Db(), store);
+        const auto copied = CopyStore(source.Db(), target.Db(), store, progress);
+        tallies.insert(tallies.end(), copied.begin(), copied.end());
     }
-    CloseConnection(target);
+    transaction.Commit();
     return tallies;
 }
 
@@ -342,35 +330,28 @@ std::vector<TableTally> MoveServerToFolder(const ServerSettings& server, const Q
             const QString part = dir.filePath(StoreFileName(store) + QStringLiteral(".moving"));
             QFile::remove(part);
             made << part;
-            QSqlDatabase source = OpenServerStore(server, store, NewName("source"));
-            QSqlDatabase target =
-                QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), NewName("target"));
-            try {
-                RequireKnownVersion(source, store, server.Describe());
+            {
+                OwnedConnection source(OpenServerStore(server, store, NewName("source")));
+                OwnedConnection target(
+                    QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), NewName("target")));
+                RequireKnownVersion(source.Db(), store, server.Describe());
                 // The server's rows are read as one moment of the clinic.
-                Transaction reading(source);
-                Execute(source, QStringLiteral("SET TRANSACTION ISOLATION LEVEL REPEATABLE READ"));
-                target.setDatabaseName(part);
-                if (!target.open())
+                Transaction reading(source.Db());
+                Execute(source.Db(),
+                        QStringLiteral("SET TRANSACTION ISOLATION LEVEL REPEATABLE READ"));
+                target.Db().setDatabaseName(part);
+                if (!target.Db().open())
                     throw DatabaseFault(QStringLiteral("Could not make '%1': %2")
-                                            .arg(part, target.lastError().text()));
+                                            .arg(part, target.Db().lastError().text()));
                 QFile::setPermissions(part, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-                {
-                    Transaction writing(target);
-                    for (const QString& sql : SchemaStatements(store, SqlDialect::Sqlite))
-                        Execute(target, sql);
-                    const auto copied = CopyStore(source, target, store, progress);
-                    tallies.insert(tallies.end(), copied.begin(), copied.end());
-                    writing.Commit();
-                }
+                Transaction writing(target.Db());
+                for (const QString& sql : SchemaStatements(store, SqlDialect::Sqlite))
+                    Execute(target.Db(), sql);
+                const auto copied = CopyStore(source.Db(), target.Db(), store, progress);
+                tallies.insert(tallies.end(), copied.begin(), copied.end());
+                writing.Commit();
                 reading.Commit();
-            } catch (...) {
-                CloseConnection(target);
-                CloseConnection(source);
-                throw;
-            }
-            CloseConnection(target);
-            CloseConnection(source);
+            } // both connections closed: the file is whole on its own
             if (!SyncFile(part))
                 throw Fault(QStringLiteral("Could not write '%1' to the disk.").arg(part));
         }

@@ -25,15 +25,9 @@ inline ServerSettings ClusterServer(const QString& database) {
 inline void OnClusterDatabase(const QString& database,
                               const std::function<void(QSqlDatabase&)>& work) {
     static std::atomic<int> serial{0};
-    QSqlDatabase db =
-        OpenServerDatabase(ClusterServer(database), QStringLiteral("cluster-%1").arg(++serial));
-    try {
-        work(db);
-    } catch (...) {
-        CloseConnection(db);
-        throw;
-    }
-    CloseConnection(db);
+    OwnedConnection db(
+        OpenServerDatabase(ClusterServer(database), QStringLiteral("cluster-%1").arg(++serial)));
+    work(db.Db());
 }
 
 // An empty database of the cluster for one test, dropped when it goes.

@@ -34,14 +34,8 @@ ServerSettings TestServer(const QString& database) {
 void OnMaintenanceDatabase(const std::function<void(QSqlDatabase&)>& work) {
     static std::atomic<int> serial{0};
     const QString name = QStringLiteral("test-maintenance-%1").arg(++serial);
-    QSqlDatabase db = OpenServerDatabase(TestServer(QStringLiteral("postgres")), name);
-    try {
-        work(db);
-    } catch (...) {
-        CloseConnection(db);
-        throw;
-    }
-    CloseConnection(db);
+    OwnedConnection db(OpenServerDatabase(TestServer(QStringLiteral("postgres")), name));
+    work(db.Db());
 }
 
 bool DatabaseExists(QSqlDatabase& db, const QString& name) {
@@ -149,14 +143,8 @@ void TestFolder::WithDatabase(const QString& fileName,
         for (const Store s : kAllStores)
             if (StoreFileName(s).compare(fileName, Qt::CaseInsensitive) == 0)
                 store = s;
-        QSqlDatabase db = OpenServerStore(TestServer(serverDatabase_), store, name);
-        try {
-            work(db);
-        } catch (...) {
-            CloseConnection(db);
-            throw;
-        }
-        CloseConnection(db);
+        OwnedConnection db(OpenServerStore(TestServer(serverDatabase_), store, name));
+        work(db.Db());
         return;
     }
     {
