@@ -3,9 +3,11 @@
 #include "data/Sql.h"
 #include "support/Fault.h"
 
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QStringList>
+#include <libpq-fe.h>
 
 namespace tarvex {
 
@@ -35,6 +37,18 @@ QString ConnectOptions(const ServerSettings& server, const QString& schema) {
     return options.join(u';');
 }
 
+DatabaseFault NoConnection(const QString& where, const QString& answer) {
+    return DatabaseFault(
+        QStringLiteral("Could not connect to the clinic's database server (%1).\n\nThe "
+                       "server answered: %2\n\nCheck that the server is running and can be "
+                       "reached from this workstation, and the section [Database] of the "
+                       "settings. A password belongs in the file ~/.pgpass.")
+            .arg(where, answer.isEmpty() ? QStringLiteral("nothing") : answer));
+}
+
+// The property of a connection's driver that says a transaction of the program is open.
+constexpr const char* kWithinTransaction = "tarvexWithinTransaction";
+
 QSqlDatabase Connect(const ServerSettings& server, const QString& connectionName,
                      const QString& schema = {}) {
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), connectionName);
@@ -53,12 +67,7 @@ QSqlDatabase Connect(const ServerSettings& server, const QString& connectionName
         const QString answer = db.lastError().databaseText().trimmed();
         db = QSqlDatabase();
         QSqlDatabase::removeDatabase(connectionName);
-        throw DatabaseFault(
-            QStringLiteral("Could not connect to the clinic's database server (%1).\n\nThe "
-                           "server answered: %2\n\nCheck that the server is running and can be "
-                           "reached from this workstation, and the section [Database] of the "
-                           "settings. A password belongs in the file ~/.pgpass.")
-                .arg(server.Describe(), answer.isEmpty() ? QStringLiteral("nothing") : answer));
+        throw NoConnection(server.Describe(), answer);
     }
     return db;
 }
@@ -177,6 +186,44 @@ void CreateStoreSchema(QSqlDatabase& db, Store store) {
     Execute(db, QStringLiteral("SET LOCAL search_path TO ") + schema);
     for (const QString& sql : SchemaStatements(store, SqlDialect::Postgres))
         Execute(db, sql);
+}
+
+bool ConnectionLost(const QSqlDatabase& db, const QSqlError& error) {
+    if (!db.isValid() || DialectOf(db) != SqlDialect::Postgres)
+        return false;
+    // The server's codes of a connection ended (class 08) or a server shut down or starting
+    // (57P01 to 57P03).
+    const QString code = error.nativeErrorCode();
+    if (code.startsWith(QLatin1String("08")) || code.startsWith(QLatin1String("57P0")))
+        return true;
+    // Qt's driver closes itself when it finds its connection gone; a connection the program
+    // closed on purpose is no longer valid.
+    if (!db.isOpen())
+        return true;
+    const QVariant handle = db.driver()->handle();
+    if (!handle.isValid() || qstrcmp(handle.typeName(), "PGconn*") != 0)
+        return false;
+    auto* const connection = *static_cast<PGconn* const*>(handle.constData());
+    return connection != nullptr && PQstatus(connection) == CONNECTION_BAD;
+}
+
+bool ReconnectIfLost(QSqlDatabase& db, const QSqlError& error) {
+    if (!ConnectionLost(db, error) || db.driver()->property(kWithinTransaction).toBool())
+        return false;
+    // The same connection opens again with its options (the schema searched among them).
+    db.close();
+    if (!db.open()) {
+        const QString where = db.hostName().isEmpty()
+                                  ? db.databaseName()
+                                  : db.databaseName() + QStringLiteral(" on ") + db.hostName();
+        throw NoConnection(where, db.lastError().databaseText().trimmed());
+    }
+    return true;
+}
+
+void MarkWithinTransaction(QSqlDatabase& db, bool within) {
+    if (db.isValid() && DialectOf(db) == SqlDialect::Postgres)
+        db.driver()->setProperty(kWithinTransaction, within);
 }
 
 void CloseConnection(QSqlDatabase& db) {

@@ -3,6 +3,7 @@
 #include "data/Schema.h"
 
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QString>
 
 namespace tarvex {
@@ -57,6 +58,19 @@ void CreateServerStores(const ServerSettings& server);
 // transaction.
 void LockServerStores(QSqlDatabase& db);
 void CreateStoreSchema(QSqlDatabase& db, Store store);
+
+// A connection whose server went away (restarted, or the network between dropped) is
+// opened again before the next statement runs on it, so that a workstation works on once
+// the server is back, without a restart. Not within a transaction of the program: that
+// transaction went with the connection and must fail whole. A server still away is a
+// DatabaseFault, as at the first connection. Returns whether it opened the connection.
+// An error that says the connection went away counts as lost, too: libpq may report the
+// server's farewell before it notices the connection closed.
+bool ReconnectIfLost(QSqlDatabase& db, const QSqlError& error = {});
+// Whether the connection went away (never for a database file).
+bool ConnectionLost(const QSqlDatabase& db, const QSqlError& error = {});
+// Marks the connection as within a transaction of the program, or out of it again.
+void MarkWithinTransaction(QSqlDatabase& db, bool within);
 
 // Closes and forgets a connection.
 void CloseConnection(QSqlDatabase& db);

@@ -1,6 +1,7 @@
 #include "data/Sql.h"
 
 #include "data/Schema.h"
+#include "data/Server.h"
 #include "support/Fault.h"
 
 #include <QRegularExpression>
@@ -178,22 +179,46 @@ QString SqlText(const QString& value) {
 }
 
 void Execute(QSqlDatabase& db, const QString& jetSql) {
+    ReconnectIfLost(db);
     QSqlQuery query(db);
     const QString sql = TranslateJet(jetSql, DialectOf(db));
     if (!query.exec(sql))
         Fail(query.lastError(), sql);
+}
+
+void LockTablesForWriting(QSqlDatabase& db, const QStringList& tables) {
+    const SqlDialect dialect = DialectOf(db);
+    if (dialect != SqlDialect::Postgres)
+        return;
+    QStringList names;
+    for (const QString& table : tables)
+        names << QuoteName(dialect, table);
+    // EXCLUSIVE lets readers on and holds back every other writer and lock of this kind.
+    Execute(db, QStringLiteral("LOCK TABLE %1 IN EXCLUSIVE MODE").arg(names.join(u',')));
 }
 
 QSqlQuery OpenQuery(QSqlDatabase& db, const QString& jetSql) {
+    ReconnectIfLost(db);
+    const QString sql = TranslateJet(jetSql, DialectOf(db));
     QSqlQuery query(db);
     query.setForwardOnly(true);
-    const QString sql = TranslateJet(jetSql, DialectOf(db));
-    if (!query.exec(sql))
-        Fail(query.lastError(), sql);
-    return query;
+    if (query.exec(sql))
+        return query;
+    // A read changes nothing, so one that found the server gone runs again on a new
+    // connection (never within a transaction, which went with the old one).
+    const QSqlError error = query.lastError();
+    if (ReconnectIfLost(db, error)) {
+        QSqlQuery again(db);
+        again.setForwardOnly(true);
+        if (again.exec(sql))
+            return again;
+        Fail(again.lastError(), sql);
+    }
+    Fail(error, sql);
 }
 
 QSqlQuery ExecPrepared(QSqlDatabase& db, const QString& jetSql, const QVariantList& values) {
+    ReconnectIfLost(db);
     QSqlQuery query(db);
     query.setForwardOnly(true);
     const QString sql = TranslateJet(jetSql, DialectOf(db));
@@ -245,8 +270,9 @@ void UpdateRow(QSqlDatabase& db, const QString& table, const QString& keyColumn,
                  bound);
 }
 
-PreparedInsert::PreparedInsert(QSqlDatabase& db, const QString& table, const QStringList& columns)
-    : query_(db) {
+PreparedInsert::PreparedInsert(QSqlDatabase& db, const QString& table, const QStringList& columns) {
+    ReconnectIfLost(db);
+    query_ = QSqlQuery(db);
     const SqlDialect dialect = DialectOf(db);
     QStringList quoted, marks;
     for (const QString& column : columns) {
@@ -274,20 +300,28 @@ qint64 PreparedInsert::Insert(const QVariantList& values) {
 }
 
 Transaction::Transaction(QSqlDatabase& db) : db_(db) {
-    if (!db_.transaction())
+    ReconnectIfLost(db_);
+    // A server that went away since the last statement is noticed by this one; nothing has
+    // been done in the transaction yet, so it begins again on a new connection.
+    if (!db_.transaction() && !(ReconnectIfLost(db_, db_.lastError()) && db_.transaction()))
         Fail(db_.lastError(), QStringLiteral("BEGIN"));
     open_ = true;
+    MarkWithinTransaction(db_, true);
 }
 
 Transaction::~Transaction() {
-    if (open_)
-        db_.rollback();
+    if (!open_)
+        return;
+    db_.rollback(); // on a lost connection the server has rolled it back already
+    MarkWithinTransaction(db_, false);
 }
 
 void Transaction::Commit() {
-    if (!db_.commit())
-        Fail(db_.lastError(), QStringLiteral("COMMIT"));
+    const bool committed = db_.commit();
     open_ = false;
+    MarkWithinTransaction(db_, false);
+    if (!committed)
+        Fail(db_.lastError(), QStringLiteral("COMMIT"));
 }
 
 } // namespace tarvex

@@ -54,6 +54,12 @@ private:
     bool returning_ = false;
 };
 
+// Within a transaction: no other connection writes to the tables until the transaction
+// ends; they may still read them. On the server a second workstation's writer waits for the
+// lock. A database file needs nothing more: its one writer holds the file from the first
+// write of a transaction to its end.
+void LockTablesForWriting(QSqlDatabase& db, const QStringList& tables);
+
 // One transaction: commits when Commit() is called, rolls back otherwise.
 class Transaction {
 public:

@@ -1,5 +1,7 @@
 #!/usr/bin/env bash
-# pg_cluster.sh start|stop DIR
+# pg_cluster.sh start|stop|halt|resume DIR
+#
+# halt stops the server and keeps its data; resume starts it again on that data.
 #
 # A private PostgreSQL cluster for the tests: made with initdb in DIR/data, listening only
 # on a Unix socket in DIR (no TCP port), with the role "tarvex" trusted on that socket and a
@@ -44,8 +46,16 @@ stop)
     as_owner "$bin/pg_ctl" -D "$dir/data" -m fast -w stop >/dev/null
     rm -rf "$dir"
     ;;
+halt)
+    as_owner "$bin/pg_ctl" -D "$dir/data" -m fast -w stop >/dev/null
+    ;;
+resume)
+    as_owner "$bin/pg_ctl" -D "$dir/data" -l "$dir/server.log" -w \
+        -o "-k $dir -c listen_addresses='' -p 5432" start >/dev/null ||
+        { cat "$dir/server.log" >&2; exit 1; }
+    ;;
 *)
-    echo "usage: pg_cluster.sh start|stop DIR" >&2
+    echo "usage: pg_cluster.sh start|stop|halt|resume DIR" >&2
     exit 2
     ;;
 esac
