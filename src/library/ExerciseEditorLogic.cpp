@@ -4,6 +4,7 @@
 #include "data/Sql.h"
 #include "exercise/LibraryFilter.h"
 #include "exercise/MediaPaths.h"
+#include "library/NewExerciseNumber.h"
 #include "library/PictureImport.h"
 #include "shell/AppState.h"
 #include "shell/Shell.h"
@@ -65,6 +66,8 @@ ExerciseEditorLogic::ExerciseEditorLogic(AppState& state, Prompter& prompter,
                                          ExerciseEditorControls controls, IExerciseEditorHost& host)
     : state_(state), prompter_(prompter), c_(controls), host_(host) {}
 
+ExerciseEditorLogic::~ExerciseEditorLogic() = default;
+
 void ExerciseEditorLogic::Load() {
     OpenPictureBenchLinks();
     if (state_.ExerciseNumber)
@@ -75,12 +78,9 @@ void ExerciseEditorLogic::Load() {
 }
 
 void ExerciseEditorLogic::LoadNew() {
-    QSqlQuery top = OpenQuery(state_.Dbs.LibraryDb,
-                              QStringLiteral("SELECT TOP 1 * From ExerciseLibrary ORDER BY "
-                                             "ExerciseID DESC"));
-    qint64 number = top.next() ? top.value(QStringLiteral("ExerciseID")).toLongLong() + 1 : 1;
-    if (number < kFirstClinicNumber)
-        number = kFirstClinicNumber;
+    newNumber_.reset(); // a number held by an earlier load goes first
+    newNumber_ = std::make_unique<NewExerciseNumber>(state_.Dbs.LibraryDb, kFirstClinicNumber);
+    const qint64 number = newNumber_->Number();
     state_.ExerciseNumber = QString::number(number);
     adding_ = true;
     exerciseID_ = number;
@@ -106,6 +106,7 @@ void ExerciseEditorLogic::LoadExisting(const QString& number) {
             QStringLiteral("No current record: the library has no exercise %1.").arg(number),
             kNoCurrentRecord);
     const QSqlRecord row = query.record();
+    newNumber_.reset();
     adding_ = false;
     exerciseID_ = row.value(QStringLiteral("ExerciseID")).toLongLong();
     // The bound controls show the row's values.

@@ -8,8 +8,11 @@
 #include <QStringList>
 #include <array>
 #include <cstdint>
+#include <memory>
 
 namespace tarvex {
+
+class NewExerciseNumber;
 
 struct AppState;
 class IWindowTitle;
@@ -72,6 +75,9 @@ public:
 
     ExerciseEditorLogic(AppState& state, Prompter& prompter, ExerciseEditorControls controls,
                         IExerciseEditorHost& host);
+    ~ExerciseEditorLogic();
+    ExerciseEditorLogic(const ExerciseEditorLogic&) = delete;
+    ExerciseEditorLogic& operator=(const ExerciseEditorLogic&) = delete;
 
     // Loading the form: the row to edit, or a new one under the next number. An exercise
     // that is not in the library is a fault ("No current record").
@@ -134,6 +140,8 @@ private:
     IExerciseEditorHost& host_;
     bool adding_ = false;
     qint64 exerciseID_ = 0;
+    // A new exercise's number, held while the editor is open.
+    std::unique_ptr<NewExerciseNumber> newNumber_;
     std::array<QString, 3> pictureSource_;
     int pictureIndex_ = 0;
 };

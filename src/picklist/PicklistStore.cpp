@@ -86,6 +86,8 @@ void SavePicklistTree(AppState& state, const ITree& tree) {
     QSqlDatabase& db = state.Dbs.PicklistDb;
     const QHash<QString, int> indices = NodeIndices(tree);
     Transaction transaction(db);
+    // The whole tree is written anew: another workstation's save of it waits for this one.
+    LockTablesForWriting(db, {QStringLiteral("Label"), QStringLiteral("Level1")});
     Execute(db, QLatin1String(kDeleteAllSql)); // the entries go with their lists
     const QStringList lists = tree.ChildKeys(QLatin1String(kPicklistRoot));
     // The walk starts at the root's first child: without one there is nothing to walk.

@@ -374,3 +374,57 @@ TEST(ExerciseEditor, AnExerciseDeletedWhileItIsEditedIsReportedAndNotWrittenAgai
     }
     EXPECT_TRUE(e.Row(100000).isEmpty());
 }
+
+// A second workstation: another editor on the same databases.
+struct SecondWorkstation {
+    explicit SecondWorkstation(Editor& first) {
+        CloseDatabases(other.folder.state);
+        first.folder.PointAt(other.folder.state);
+        OpenDatabases(other.folder.state);
+        other.folder.state.Media = first.folder.state.Media;
+    }
+    Editor other;
+};
+
+TEST(ExerciseEditor, TwoWorkstationsAddingAtOnceGetTwoNumbersAndBothExercisesAreStored) {
+    Editor first;
+    SecondWorkstation second(first);
+    Editor& other = second.other;
+    const int before = first.Count();
+    first.Add();
+    other.Add();
+    if (OnTestServer())
+        EXPECT_EQ(other.logic.ExerciseID(), first.logic.ExerciseID() + 1)
+            << "the server holds the first editor's number";
+    else
+        EXPECT_EQ(other.logic.ExerciseID(), first.logic.ExerciseID())
+            << "one workstation's files: the number is the highest plus one for each";
+    if (!OnTestServer())
+        return; // on one workstation the program runs once: no second editor to race
+    first.txtDescription.text = "First desk";
+    other.txtDescription.text = "Second desk";
+    ASSERT_TRUE(other.logic.cmdOKCancel_Click("OK"));
+    ASSERT_TRUE(first.logic.cmdOKCancel_Click("OK"));
+    EXPECT_EQ(first.Count(), before + 2);
+    EXPECT_EQ(first.Row(first.logic.ExerciseID()).value("Desc").toString(), "First desk");
+    EXPECT_EQ(first.Row(other.logic.ExerciseID()).value("Desc").toString(), "Second desk");
+}
+
+TEST(ExerciseEditor, ANumberHeldByACancelledEditorOfAnotherWorkstationIsFreeAgain) {
+    if (!OnTestServer())
+        GTEST_SKIP() << "holding numbers is the server's: one workstation's files need none";
+    Editor first;
+    auto second = std::make_unique<SecondWorkstation>(first);
+    first.Add();
+    second->other.Add();
+    const qint64 held = second->other.logic.ExerciseID();
+    EXPECT_NE(held, first.logic.ExerciseID());
+    second.reset(); // that workstation's editor closes without saving
+    SecondWorkstation third(first);
+    third.other.Add();
+    EXPECT_EQ(third.other.logic.ExerciseID(), held);
+    // The first's number is stored now, and the next is held by the third.
+    ASSERT_TRUE(first.logic.cmdOKCancel_Click("OK"));
+    first.Add();
+    EXPECT_EQ(first.logic.ExerciseID(), held + 1);
+}
