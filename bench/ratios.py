@@ -21,6 +21,8 @@ FLOORS = {
     "BM_CopyDeliveredMedia": "BM_CopyDeliveredMediaFloor",
     "BM_Compress": "BM_CompressFloor",
     "BM_Backup": "BM_BackupFloor",
+    "BM_SaveProgramOnServer": "BM_SaveProgramOnFile",
+    "BM_LoadProgramOnServer": "BM_LoadProgramOnFile",
 }
 TARGETS = {
     "BM_LoadLibraryCache": "within 2x of the floor",
@@ -55,6 +57,9 @@ TARGETS = {
     "BM_Compress": "within 1.2x of the floor (sqlite3 VACUUM INTO)",
     "BM_Backup": "within 1.25x of the floor (zip)",
     "BM_Restore": "under 5 s",
+    "BM_SaveProgramOnServer": "under 20 ms (the floor is the same save on a file)",
+    "BM_LoadProgramOnServer": "under 20 ms (the floor is the same load on a file)",
+    "BM_TenWorkstations": "slowest save under 20 ms",
 }
 
 with open(sys.argv[1]) as f:
@@ -68,7 +73,7 @@ medians = {name_of(r): r["real_time"] for r in runs if r.get("aggregate_name") =
 for r in runs:
     if r.get("run_type") == "iteration" and name_of(r) not in medians and r.get("repetitions", 1) <= 1:
         medians[name_of(r)] = r["real_time"]
-counters = {name_of(r): {k: v for k, v in r.items() if k.endswith(("_MB", "_ms"))} for r in runs}
+counters = {name_of(r): {k: v for k, v in r.items() if k.endswith(("_MB", "_ms", "_per_s"))} for r in runs}
 unit = {name_of(r): r["time_unit"] for r in runs}
 for name, ms in sorted(medians.items()):
     line = f"{name:32s} median {ms:9.2f} {unit[name]}"
