@@ -1,6 +1,7 @@
 #include "picklist/PicklistStore.h"
 
 #include "data/Databases.h"
+#include "data/Server.h"
 #include "data/Sql.h"
 #include "fakes/FakeControls.h"
 #include "support/Fault.h"
@@ -8,7 +9,10 @@
 
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <atomic>
+#include <chrono>
 #include <gtest/gtest.h>
+#include <thread>
 
 using namespace tarvex;
 using namespace tarvex::fakes;
@@ -250,6 +254,40 @@ TEST(SavePicklistTree, AFailureInTheMiddleLeavesTheOldPicklists) {
     tree.RemoveNode("n2");
     SavePicklistTree(h.folder.state, tree);
     EXPECT_EQ(h.Combo("Provider").last(), "New therapist");
+}
+
+TEST(SavePicklistTree, OnTheServerItWaitsForAnotherWorkstationsWriteAndThenWritesTheWholeTree) {
+    if (!tarvex::testing::OnTestServer())
+        GTEST_SKIP() << "one workstation's file has one writer";
+    PicklistHarness h;
+    FakeTree tree;
+    LoadPicklistTree(h.folder.state, tree);
+    const auto saved = PicklistHarness::Texts(tree);
+
+    // Another workstation is in the middle of writing a list of its own.
+    std::atomic<bool> holding{false}, committed{false};
+    std::thread other([&] {
+        QSqlDatabase db =
+            OpenServerStore(h.folder.state.Dbs.Choice.Server, Store::Picklist, "other-workstation");
+        {
+            Transaction t(db);
+            InsertRow(db, "Label", {{"Name", "Other desk"}});
+            holding = true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(600));
+            committed = true; // set before the commit: the save must not end before it
+            t.Commit();
+        }
+        CloseConnection(db);
+    });
+    while (!holding)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    SavePicklistTree(h.folder.state, tree);
+    EXPECT_TRUE(committed) << "the save waited for the other workstation's write";
+    other.join();
+
+    FakeTree again;
+    LoadPicklistTree(h.folder.state, again);
+    EXPECT_EQ(PicklistHarness::Texts(again), saved) << "the whole tree, and nothing else";
 }
 
 TEST(SavePicklistTree, ATreeWithoutListsCannotBeSavedAndTheStoreStays) {
