@@ -389,3 +389,44 @@ TEST(SaveProgram, AProgramSavedBeforeAnyLoadIsDatedWithTheTimeOfTheSave) {
     EXPECT_LE(stored, QDateTime::currentDateTime().addSecs(1));
     EXPECT_NE(stored, UnreadableDate());
 }
+
+TEST(SaveProgram, TheSameProgramSavedFromTwoWorkstationsIsKeptWholeFromEachAndNeverMixed) {
+    ProgramHarness front;
+    const int32_t patient = front.AddPatient("Ng");
+    front.Choose(patient, "Ng, Ann");
+    front.FillExercises(4);
+    front.store.SaveProgram(false);
+    const int32_t original = *front.Program().InvoiceID;
+
+    // The treatment room has the same program open.
+    ProgramHarness room;
+    CloseDatabases(room.State());
+    front.folder.PointAt(room.State());
+    OpenDatabases(room.State());
+    LoadLibraryCache(room.State());
+    room.Choose(patient, "Ng, Ann");
+    room.store.LoadProgram(original);
+    room.Program().IsNew = false;
+
+    front.FillExercises(7);
+    front.store.SaveProgram(false); // replaces the original
+    room.FillExercises(3);
+    room.store.SaveProgram(false); // finds the original replaced already
+
+    const int32_t fromFront = *front.Program().InvoiceID;
+    const int32_t fromRoom = *room.Program().InvoiceID;
+    EXPECT_GT(fromRoom, fromFront) << "the later save is the later program";
+    EXPECT_EQ(front.Count(QStringLiteral("SELECT COUNT(*) FROM Invoice WHERE PatientID = %1")
+                              .arg(patient)),
+              2)
+        << "neither clinician's work is deleted behind their back";
+    EXPECT_EQ(front.Count(QStringLiteral("SELECT COUNT(*) FROM Exercise WHERE InvoiceID = %1")
+                              .arg(fromFront)),
+              7);
+    EXPECT_EQ(front.Count(QStringLiteral("SELECT COUNT(*) FROM Exercise WHERE InvoiceID = %1")
+                              .arg(fromRoom)),
+              3);
+    EXPECT_EQ(front.Count(QStringLiteral("SELECT COUNT(*) FROM Invoice WHERE InvoiceID = %1")
+                              .arg(original)),
+              0);
+}
