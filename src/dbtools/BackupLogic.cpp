@@ -4,6 +4,7 @@
 #include "dbtools/MaintenanceHost.h"
 #include "shell/SettingsStore.h"
 #include "shell/Shell.h"
+#include "support/Fault.h"
 #include "support/Numbers.h"
 #include "support/Prompter.h"
 
@@ -166,6 +167,11 @@ QString BackupLogic::ArchivePath() const {
     return QDir(folder_).filePath(QLatin1String(kBackupArchiveName));
 }
 
+void BackupLogic::UseServer(const ServerSettings& server, const ServerTools& tools) {
+    server_ = server;
+    tools_ = tools;
+}
+
 void BackupLogic::SetFolder(const QString& folder) {
     folder_ = QDir::cleanPath(QDir::fromNativeSeparators(folder));
     c_.lblFolder.SetCaption(QDir::toNativeSeparators(folder_));
@@ -189,10 +195,13 @@ void BackupLogic::cmdBackup() {
     // The new archive takes the rights of the one it replaces: the user's alone.
     if (QFileInfo(archive).isFile())
         QFile::setPermissions(archive, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    const int16_t result = RunBackupJob(archive);
-    ShowBackupResult(result);
-    if (result == zipcode::kSuccess)
-        TestBackup();
+    const std::optional<int16_t> result =
+        server_ ? RunServerBackupJob(archive) : std::optional<int16_t>(RunBackupJob(archive));
+    if (result) {
+        ShowBackupResult(*result);
+        if (*result == zipcode::kSuccess)
+            TestBackup();
+    }
     SetStatus(QStringLiteral("Ready"));
 }
 
@@ -236,6 +245,33 @@ int16_t BackupLogic::RunBackupJob(const QString& archive) {
     }
     closed.Reopen();
     return result;
+}
+
+// The databases stay open: pg_dump reads one consistent snapshot of the three stores while
+// the workstations work on. The dump is made in a private folder, goes into the archive
+// through the engine as the files do, and goes with its folder however the job ends.
+std::optional<int16_t> BackupLogic::RunServerBackupJob(const QString& archive) {
+    const Hourglass busy(host_);
+    try {
+        const DumpFolder work(tools_);
+        const EngineJob engine(*this);
+        SetStatus(QStringLiteral(" Reading the databases from the server..."));
+        const bool dumped = DumpServerStores(*server_, work.DumpPath(), tools_, [this] {
+            host_.DoEvents();
+            return !abort_;
+        });
+        if (!dumped)
+            return zipcode::kAborted;
+        return ZipAddFiles(
+            {archive, work.Path(), {QLatin1String(kServerDumpEntry)}, c_.txtPassword.Text()},
+            *this);
+    } catch (const Fault& fault) {
+        prompts_.MsgBox(QStringLiteral("The backup could not be made.\r\r%1\r\rNothing was "
+                                       "written to the backup folder.")
+                            .arg(fault.Message()),
+                        msg::OkOnly | msg::Critical, QStringLiteral("Backup Error"));
+        return std::nullopt;
+    }
 }
 
 void BackupLogic::ShowBackupResult(int16_t result) {

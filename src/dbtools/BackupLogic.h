@@ -1,5 +1,7 @@
 #pragma once
 
+#include "data/Server.h"
+#include "dbtools/ServerDump.h"
 #include "dbtools/ZipArchive.h"
 #include "media/MediaDrives.h"
 #include "support/Controls.h"
@@ -46,7 +48,9 @@ QString DefaultBackupFolder(const QList<MediaDrive>& drives, const std::optional
                             const QString& home);
 
 // The logic of "Backup TVX Database": the three databases into one Zip archive, "Tarvex
-// Backup.ZIP", in a folder the user chooses. It hears the engine's events itself.
+// Backup.ZIP", in a folder the user chooses. It hears the engine's events itself. With the
+// databases on a server the archive holds one dump of its three stores instead (see
+// ServerDump.h), and the databases stay open.
 class BackupLogic : public IZipEvents {
 public:
     // The buttons are keyed by their names: "cmdBackup", "cmdAbort", "cmdOK", "cmdTest",
@@ -66,6 +70,8 @@ public:
 
     // On load: the target folder (see DefaultBackupFolder) and the buttons at rest.
     void Load(const QList<MediaDrive>& drives, const QString& home);
+    // The databases are on this server: a backup dumps its stores with the tools.
+    void UseServer(const ServerSettings& server, const ServerTools& tools = {});
 
     // The buttons. While a job runs every one but Abort does nothing.
     void cmdBackup();
@@ -112,6 +118,8 @@ private:
     class EngineJob;
     bool TargetReady();
     int16_t RunBackupJob(const QString& archive);
+    // The dump of the server into the archive; nothing when it failed and a box said why.
+    std::optional<int16_t> RunServerBackupJob(const QString& archive);
     void ShowBackupResult(int16_t result);
     void SetFolder(const QString& folder);
     void SetStatus(const QString& text);
@@ -121,6 +129,8 @@ private:
     Prompter& prompts_;
     ISettingsStore& settings_;
     IFolderChooser& folders_;
+    std::optional<ServerSettings> server_;
+    ServerTools tools_;
     QString folder_;
     QString status_;
     bool running_ = false;

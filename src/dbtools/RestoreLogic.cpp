@@ -64,13 +64,14 @@ void RestoreLogic::Fail(const QString& text) {
     prompts_.MsgBox(text, msg::OkOnly | msg::Critical, QLatin1String(kRestoreTitle));
 }
 
-bool RestoreLogic::Choose(QString& archive, QString& password) {
+bool ChooseBackupArchive(IOpenFileDialog& dialog, Prompter& prompts, const QString& startFolder,
+                         QString& archive, QString& password) {
     OpenFileRequest request;
     request.Filter = QStringLiteral("Backup archives|*.zip|All files|*");
-    request.InitDir = StartFolder;
+    request.InitDir = startFolder;
     request.FileName = QLatin1String(kBackupArchiveName);
     request.Flags = 4;
-    const std::optional<QString> chosen = dialog_.ShowOpen(request);
+    const std::optional<QString> chosen = dialog.ShowOpen(request);
     if (!chosen || chosen->isEmpty())
         return false;
     archive = *chosen;
@@ -79,7 +80,7 @@ bool RestoreLogic::Choose(QString& archive, QString& password) {
         std::any_of(files.begin(), files.end(), [](const ZipEntryInfo& f) { return f.Encrypted; });
     if (!encrypted)
         return true;
-    const std::optional<QString> typed = prompts_.InputBox(
+    const std::optional<QString> typed = prompts.InputBox(
         QStringLiteral("The backup '%1' is protected by a password. Type the password:")
             .arg(QFileInfo(archive).fileName()),
         QLatin1String(kRestoreTitle), QString());
@@ -87,6 +88,10 @@ bool RestoreLogic::Choose(QString& archive, QString& password) {
         return false;
     password = *typed;
     return true;
+}
+
+bool RestoreLogic::Choose(QString& archive, QString& password) {
+    return ChooseBackupArchive(dialog_, prompts_, StartFolder, archive, password);
 }
 
 bool RestoreLogic::Holds(const QString& archive, const std::vector<ZipEntryInfo>& files) {

@@ -59,4 +59,10 @@ private:
 // The title of the restore's boxes.
 inline constexpr const char* kRestoreTitle = "Restore Databases";
 
+// The restore's first steps: the chooser, opened in startFolder on "Tarvex Backup.ZIP", and
+// for an archive with encrypted files the box that asks for its password. False when the
+// user cancelled either; an archive that cannot be read is a Fault.
+bool ChooseBackupArchive(IOpenFileDialog& dialog, Prompter& prompts, const QString& startFolder,
+                         QString& archive, QString& password);
+
 } // namespace tarvex

@@ -85,6 +85,8 @@ BackupDialog::BackupDialog(AppState& state, IMaintenanceHost& host, Prompter& pr
     logic_ = std::make_unique<BackupLogic>(
         BackupLogic::Controls{*model_, *bar_, buttons_, *folderCaption_, *password_}, host, prompts,
         settings, *folders_);
+    if (state.Dbs.OnServer())
+        logic_->UseServer(state.Dbs.Choice.Server);
     logic_->Load(ListMediaDrives(state), QDir::homePath());
     Connect();
 }

@@ -19,8 +19,9 @@ class ISettingsStore;
 class ReportModel;
 
 // frmBackup, "Backup TVX Database": the three databases into "Tarvex Backup.ZIP" in a
-// folder of the user's choice. It is application-modal, since the databases are closed
-// while a job runs; during a job only Abort works, and Esc and the close box are ignored.
+// folder of the user's choice (on a server: one dump of its three stores). It is application-modal,
+// since the databases are closed while a job runs; during a job only Abort works, and Esc and the
+// close box are ignored.
 class BackupDialog : public FormDialog {
     Q_OBJECT
 public:

@@ -15,10 +15,12 @@ QString MainWindowMaintenanceHost::AppFolder() const {
 
 void MainWindowMaintenanceHost::CloseDatabases() {
     // The journal is folded into each file first, so that the file alone holds everything
-    // while the work copies, compacts or replaces it.
-    for (QSqlDatabase* db : {&state_.Dbs.ProgramDb, &state_.Dbs.LibraryDb, &state_.Dbs.PicklistDb})
-        if (db->isValid() && db->isOpen())
-            QSqlQuery(*db).exec(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
+    // while the work copies, compacts or replaces it. (A server keeps its own log.)
+    if (!state_.Dbs.OnServer())
+        for (QSqlDatabase* db :
+             {&state_.Dbs.ProgramDb, &state_.Dbs.LibraryDb, &state_.Dbs.PicklistDb})
+            if (db->isValid() && db->isOpen())
+                QSqlQuery(*db).exec(QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)"));
     tarvex::CloseDatabases(state_);
 }
 
