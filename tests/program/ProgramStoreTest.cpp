@@ -416,17 +416,20 @@ TEST(SaveProgram, TheSameProgramSavedFromTwoWorkstationsIsKeptWholeFromEachAndNe
     const int32_t fromFront = *front.Program().InvoiceID;
     const int32_t fromRoom = *room.Program().InvoiceID;
     EXPECT_GT(fromRoom, fromFront) << "the later save is the later program";
-    EXPECT_EQ(front.Count(QStringLiteral("SELECT COUNT(*) FROM Invoice WHERE PatientID = %1")
-                              .arg(patient)),
+    EXPECT_EQ(front.Count(
+                  QStringLiteral("SELECT COUNT(*) FROM Invoice WHERE PatientID = %1").arg(patient)),
               2)
         << "neither clinician's work is deleted behind their back";
-    EXPECT_EQ(front.Count(QStringLiteral("SELECT COUNT(*) FROM Exercise WHERE InvoiceID = %1")
-                              .arg(fromFront)),
-              7);
-    EXPECT_EQ(front.Count(QStringLiteral("SELECT COUNT(*) FROM Exercise WHERE InvoiceID = %1")
-                              .arg(fromRoom)),
-              3);
-    EXPECT_EQ(front.Count(QStringLiteral("SELECT COUNT(*) FROM Invoice WHERE InvoiceID = %1")
-                              .arg(original)),
-              0);
+    EXPECT_EQ(
+        front.Count(
+            QStringLiteral("SELECT COUNT(*) FROM Exercise WHERE InvoiceID = %1").arg(fromFront)),
+        7);
+    EXPECT_EQ(
+        front.Count(
+            QStringLiteral("SELECT COUNT(*) FROM Exercise WHERE InvoiceID = %1").arg(fromRoom)),
+        3);
+    EXPECT_EQ(
+        front.Count(
+            QStringLiteral("SELECT COUNT(*) FROM Invoice WHERE InvoiceID = %1").arg(original)),
+        0);
 }
