@@ -14,6 +14,7 @@
 #include "picturebench/BenchService.h"
 #include "picturebench/PictureDocument.h"
 #include "picturebench/ScriptedBench.h"
+#include "shell/CommandLine.h"
 #include "ui/bench/PictureBenchWindow.h"
 
 #include <QApplication>
@@ -27,6 +28,20 @@
 using namespace tarvex;
 
 namespace {
+
+const QString kHelp = QStringLiteral(
+    "Usage: tarvex-picture-bench [PICTURE]\n"
+    "       tarvex-picture-bench --script FILE [PICTURE]\n"
+    "\n"
+    "Picture Bench: crop, straighten and mark the pictures of exercises. TVX Regimenter's\n"
+    "library window starts it and sends it the pictures of the exercise being edited.\n"
+    "\n"
+    "  PICTURE        a picture to open\n"
+    "  --script FILE  no window: do the edits of FILE on PICTURE and end, or, without a\n"
+    "                 picture, on every picture the exercise editor sends\n"
+    "  -h, --help     show this help and end\n"
+    "  -v, --version  show the version and end\n"
+    "See tarvex-picture-bench(1).");
 
 void Say(const QString& text) {
     std::fprintf(stderr, "tarvex-picture-bench: %s\n", qPrintable(text));
@@ -85,7 +100,7 @@ int RunScripted(int argc, char** argv) {
 
 int RunWindow(int argc, char** argv) {
     QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Picture Bench"));
+    QApplication::setApplicationName(QStringLiteral("tarvex-picture-bench"));
     QApplication::setOrganizationName(QStringLiteral("Tarvex"));
     QCommandLineParser parser;
     parser.setApplicationDescription(
@@ -125,5 +140,10 @@ bool Scripted(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    // Help and the version need no display. (The rest of the line is read by each mode.)
+    const QStringList arguments = ArgumentsOf(argc, argv);
+    if (AsksForHelpOrVersion(arguments))
+        return PrintCommandLineAnswer(ReadCommandLine(
+            arguments, QStringLiteral("tarvex-picture-bench"), kHelp, arguments.size()));
     return Scripted(argc, argv) ? RunScripted(argc, argv) : RunWindow(argc, argv);
 }

@@ -4,10 +4,10 @@
 #include "data/Server.h"
 #include "dbtools/Migration.h"
 #include "shell/AppFolder.h"
+#include "shell/CommandLine.h"
 #include "shell/Options.h"
 #include "shell/PrivateFiles.h"
 #include "shell/SettingsStore.h"
-#include "shell/Version.h"
 #include "support/Fault.h"
 
 #include <QCommandLineParser>
@@ -36,9 +36,9 @@ void Say(const QString& line) {
 int main(int argc, char** argv) {
     RestrictNewFilesToOwner(); // the files hold patient data
     QCoreApplication app(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("Tarvex"));
-    QCoreApplication::setApplicationVersion(
-        QStringLiteral("%1.%2.%3").arg(kVersionMajor).arg(kVersionMinor).arg(kVersionRevision));
+    // The settings are named in full where they are opened; this name is the one in the messages.
+    QCoreApplication::setApplicationName(QLatin1String(kName));
+    QCoreApplication::setApplicationVersion(ProgramVersion());
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
@@ -50,7 +50,9 @@ int main(int argc, char** argv) {
         "one of section [Database] of the settings. A password is read by libpq from\n"
         "~/.pgpass or the service file, never from the command line."));
     parser.addHelpOption();
-    parser.addVersionOption();
+    const QCommandLineOption versionOption({QStringLiteral("v"), QStringLiteral("version")},
+                                           QStringLiteral("Displays version information."));
+    parser.addOption(versionOption);
     parser.addPositionalArgument(QStringLiteral("direction"),
                                  QStringLiteral("to-server or to-folder"));
     const QCommandLineOption folderOption(
@@ -74,6 +76,10 @@ int main(int argc, char** argv) {
     parser.addOptions(
         {folderOption, serviceOption, hostOption, portOption, dbnameOption, userOption});
     parser.process(app);
+    if (parser.isSet(versionOption)) {
+        Say(VersionLine(QLatin1String(kName)));
+        return 0;
+    }
 
     const QStringList args = parser.positionalArguments();
     if (args.size() != 1 ||

@@ -9,6 +9,7 @@
 #include "program/ProgramStore.h"
 #include "shell/AppFolder.h"
 #include "shell/AppState.h"
+#include "shell/CommandLine.h"
 #include "shell/Options.h"
 #include "shell/PrivateFiles.h"
 #include "shell/SettingsStore.h"
@@ -17,11 +18,11 @@
 #include "support/Prompter.h"
 
 #include <QCommandLineParser>
-#include <QFile>
 #include <QGuiApplication>
 #include <QPageLayout>
 #include <QPageSize>
 #include <QPdfWriter>
+#include <QSaveFile>
 #include <cstdio>
 #include <map>
 
@@ -83,7 +84,8 @@ int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
-    QGuiApplication::setApplicationName(QStringLiteral("Tarvex"));
+    // The settings are named in full where they are opened; this name is the one in the messages.
+    QGuiApplication::setApplicationName(QStringLiteral("tarvex-print"));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
@@ -91,6 +93,8 @@ int main(int argc, char** argv) {
         "Jobs: ex2 (exercises, 2 a page), ex4 (exercises, 4 a page), record (patient record),\n"
         "cover (cover sheet), order (video order form)."));
     parser.addHelpOption();
+    const QCommandLineOption versionOption({QStringLiteral("v"), QStringLiteral("version")},
+                                           QStringLiteral("Displays version information."));
     const QCommandLineOption jobOption(QStringLiteral("job"),
                                        QStringLiteral("The job: ex2, ex4, record, cover or order."),
                                        QStringLiteral("job"));
@@ -100,8 +104,18 @@ int main(int argc, char** argv) {
     const QCommandLineOption outOption(QStringLiteral("out"),
                                        QStringLiteral("The PDF file to write."),
                                        QStringLiteral("FILE.pdf"));
-    parser.addOptions({jobOption, invoiceOption, outOption});
+    parser.addOptions({versionOption, jobOption, invoiceOption, outOption});
     parser.process(app);
+    if (parser.isSet(versionOption)) {
+        std::printf("%s\n", qPrintable(VersionLine(QStringLiteral("tarvex-print"))));
+        return 0;
+    }
+    if (!parser.positionalArguments().isEmpty())
+        return Fail(QStringLiteral("takes no arguments, but was given \"%1\" (see --help)")
+                        .arg(parser.positionalArguments().constFirst()));
+    if (!parser.isSet(jobOption))
+        return Fail(
+            QStringLiteral("--job is needed: ex2, ex4, record, cover or order (see --help)"));
 
     const QString jobName = parser.value(jobOption);
     const auto job = Jobs().find(jobName);
@@ -115,11 +129,11 @@ int main(int argc, char** argv) {
     const QString out = parser.value(outOption);
     if (out.isEmpty())
         return Fail(QStringLiteral("--out needs the PDF file to write"));
-    {
-        QFile probe(out);
-        if (!probe.open(QIODevice::WriteOnly))
-            return Fail(QStringLiteral("cannot write %1: %2").arg(out, probe.errorString()));
-    }
+    // The PDF is written under a temporary name and takes the place of the file only when it
+    // is whole: a failed job leaves a file that was there as it was.
+    QSaveFile pdf(out);
+    if (!pdf.open(QIODevice::WriteOnly))
+        return Fail(QStringLiteral("cannot write %1: %2").arg(out, pdf.errorString()));
 
     AppState state;
     state.AppFolder = DefaultAppFolder();
@@ -146,7 +160,7 @@ int main(int argc, char** argv) {
         ProgramStore programs(state, shell, prompter);
         programs.LoadProgram(invoice);
 
-        QPdfWriter writer(out);
+        QPdfWriter writer(&pdf);
         writer.setResolution(1200);
         writer.setPageLayout(QPageLayout(QPageSize(QPageSize::Letter), QPageLayout::Portrait,
                                          QMarginsF(0, 0, 0, 0)));
@@ -158,6 +172,8 @@ int main(int argc, char** argv) {
         DrawPrintJob(surface, state, PrintVideoOrderForm);
         surface.EndDoc();
         CloseDatabases(state);
+        if (!pdf.commit())
+            return Fail(QStringLiteral("cannot write %1: %2").arg(out, pdf.errorString()));
     } catch (const Fault& fault) {
         return Fail(fault.Message());
     }

@@ -1,14 +1,11 @@
 #include "shell/Splash.h"
 
-#include "shell/Version.h"
+#include "shell/CommandLine.h"
 
 namespace tarvex {
 
 QString VersionText() {
-    return QStringLiteral("Version %1.%2.%3")
-        .arg(kVersionMajor)
-        .arg(kVersionMinor)
-        .arg(kVersionRevision);
+    return QStringLiteral("Version ") + ProgramVersion();
 }
 
 QString ProductName() {

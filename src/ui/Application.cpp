@@ -1,8 +1,12 @@
 #include "ui/Application.h"
 
+#include "shell/CommandLine.h"
 #include "shell/Splash.h"
 #include "support/Fault.h"
 
+#include <QDir>
+#include <QFileInfo>
+#include <QIcon>
 #include <QMessageBox>
 
 namespace tarvex {
@@ -18,7 +22,29 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
     setApplicationName(QStringLiteral("Tarvex"));
     // No display name: Qt would append it to every window title, and the titles are the
     // program's own.
-    setApplicationVersion(VersionText().mid(8));
+    setApplicationVersion(ProgramVersion());
+    // The desktop entry's name: the window is matched with the menu's entry and its icon.
+    setDesktopFileName(QLatin1String(kDesktopId));
+}
+
+void Application::UseProgramIcon(const QString& deliveredFolder) {
+    QIcon icon = QIcon::fromTheme(QLatin1String(kDesktopId));
+    if (icon.isNull()) {
+        const QDir hicolor(
+            QDir(deliveredFolder).filePath(QStringLiteral("../share/icons/hicolor")));
+        const QDir installedHicolor(
+            QDir(deliveredFolder).filePath(QStringLiteral("../icons/hicolor")));
+        for (const QDir& theme : {installedHicolor, hicolor}) {
+            for (const int size : {16, 22, 24, 32, 48, 64, 128, 256}) {
+                const QString file = theme.filePath(
+                    QStringLiteral("%1x%1/apps/%2.png").arg(size).arg(QLatin1String(kDesktopId)));
+                if (QFileInfo::exists(file))
+                    icon.addFile(file, QSize(size, size));
+            }
+        }
+    }
+    if (!icon.isNull())
+        setWindowIcon(icon);
 }
 
 bool Application::notify(QObject* receiver, QEvent* event) {

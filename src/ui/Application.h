@@ -13,6 +13,10 @@ public:
     Application(int& argc, char** argv);
     bool notify(QObject* receiver, QEvent* event) override;
 
+    // The program's icon on every window: the installed icon theme's, or else the icons that
+    // lie beside the delivered files (share/icons beside share/tarvex, or in the build tree).
+    void UseProgramIcon(const QString& deliveredFolder);
+
     // The error box of a fault.
     static void ReportFault(const QString& message);
 
