@@ -84,7 +84,11 @@ QString CopyIcons(const QString& appFolder, const QString& templatesFolder) {
     if (!QDir().mkpath(partial))
         return QStringLiteral("The icon folder cannot be created in %1.").arg(appFolder);
     for (const QString& name : delivered.entryList(QDir::Files)) {
-        if (!QFile::copy(delivered.filePath(name), QDir(partial).filePath(name)))
+        // A copy keeps the delivered file's rights, which are read-only where the program
+        // is installed; the user's own icons are theirs to change.
+        const QString copy = QDir(partial).filePath(name);
+        if (!QFile::copy(delivered.filePath(name), copy) ||
+            !QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner))
             return QStringLiteral("The icon %1 cannot be copied into %2.").arg(name, appFolder);
     }
     if (!QDir().rename(partial, QDir(appFolder).filePath(QStringLiteral("ICON"))))

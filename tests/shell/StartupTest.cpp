@@ -311,3 +311,43 @@ TEST(Startup, AnOpenDataFolderOfAnEarlierReleaseIsMadePrivateAndTheStatusLineSay
     ASSERT_TRUE(again.Start());
     EXPECT_NE(again.shell.status.panels[0], kMadePrivateText.arg(appFolder)); // said once
 }
+
+// Installed, the delivered files are read-only: the user's copies must still be theirs to
+// change (a picture bench save writes the icons, a save writes the databases).
+TEST(PrepareAppFolder, CopiesFromAReadOnlyInstallationAreTheUsersToWrite) {
+    QTemporaryDir dir;
+    const QString delivered = dir.filePath("share/tarvex");
+    const QDir source(tarvex::testing::DeliveredFolder());
+    const auto readOnlyFile = QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther;
+    const auto readOnlyFolder = readOnlyFile | QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther;
+    for (const char* folder : {"templates", "ICON"}) {
+        const QDir from(source.filePath(folder));
+        const QString to = QDir(delivered).filePath(folder);
+        ASSERT_TRUE(QDir().mkpath(to));
+        const QStringList names = from.entryList(QDir::Files);
+        ASSERT_FALSE(names.isEmpty()) << folder;
+        for (const QString& name : names) {
+            const QString copy = QDir(to).filePath(name);
+            ASSERT_TRUE(QFile::copy(from.filePath(name), copy));
+            ASSERT_TRUE(QFile::setPermissions(copy, readOnlyFile));
+        }
+        ASSERT_TRUE(QFile::setPermissions(to, readOnlyFolder));
+    }
+
+    const QString appFolder = dir.filePath("home/Tarvex");
+    ASSERT_EQ(PrepareAppFolder(appFolder, QDir(delivered).filePath("templates")), "");
+    const auto readWrite = QFile::ReadOwner | QFile::WriteOwner;
+    for (const char* name : {"Tarvex.MDB", "Exercise Library.MDB", "Picklist.MDB", "cover.txt"})
+        EXPECT_EQ(QFile::permissions(QDir(appFolder).filePath(name)) & readWrite, readWrite)
+            << name;
+    const QDir icons(QDir(appFolder).filePath("ICON"));
+    const QStringList copied = icons.entryList(QDir::Files);
+    EXPECT_EQ(copied.size(), QDir(QDir(delivered).filePath("ICON")).entryList(QDir::Files).size());
+    for (const QString& name : copied)
+        EXPECT_EQ(QFile::permissions(icons.filePath(name)) & readWrite, readWrite)
+            << name.toStdString();
+
+    // So that the temporary folder can be removed again.
+    for (const char* folder : {"templates", "ICON"})
+        QFile::setPermissions(QDir(delivered).filePath(folder), readOnlyFolder | QFile::WriteOwner);
+}
