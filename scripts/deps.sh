@@ -6,15 +6,18 @@ TARVEX_PACKAGES=(
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav
     libzip-dev libpq-dev zip sqlite3 libgtest-dev libbenchmark-dev cmake ninja-build g++ pkg-config
     fonts-liberation fonts-dejavu-core fonts-noto-cjk xvfb xauth ffmpeg poppler-utils unzip p7zip-full
-    clang-format
+    clang-format librsvg2-bin
 )
 # Only the tests need these: a real print queue (a private CUPS server whose cups-pdf
 # queue writes PDF files), LibreOffice, which prints the patient instructions, a window
 # manager with xprop and xdotool for the tests on a virtual display, and a PostgreSQL
-# server for a private cluster of the tests (it brings the client programs as well).
+# server for a private cluster of the tests (it brings the client programs as well), and
+# what builds and checks the Debian package (dpkg-shlibdeps, lintian, the desktop entry's
+# and the AppStream data's validators).
 TARVEX_TEST_PACKAGES=(
     cups printer-driver-cups-pdf ghostscript libreoffice-writer libreoffice-core
     openbox x11-utils xdotool clang-tidy postgresql
+    dpkg-dev lintian desktop-file-utils appstream
 )
 
 # ensure_deps [extra packages...]
