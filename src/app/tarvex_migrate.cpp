@@ -50,9 +50,6 @@ int main(int argc, char** argv) {
         "one of section [Database] of the settings. A password is read by libpq from\n"
         "~/.pgpass or the service file, never from the command line."));
     parser.addHelpOption();
-    const QCommandLineOption versionOption({QStringLiteral("v"), QStringLiteral("version")},
-                                           QStringLiteral("Displays version information."));
-    parser.addOption(versionOption);
     parser.addPositionalArgument(QStringLiteral("direction"),
                                  QStringLiteral("to-server or to-folder"));
     const QCommandLineOption folderOption(
@@ -75,11 +72,9 @@ int main(int argc, char** argv) {
         QStringLiteral("user"), QStringLiteral("The role to log in as."), QStringLiteral("ROLE"));
     parser.addOptions(
         {folderOption, serviceOption, hostOption, portOption, dbnameOption, userOption});
-    parser.process(app);
-    if (parser.isSet(versionOption)) {
-        Say(VersionLine(QLatin1String(kName)));
-        return 0;
-    }
+    if (const auto end =
+            ReadConsoleCommandLine(parser, QCoreApplication::arguments(), QLatin1String(kName)))
+        return *end;
 
     const QStringList args = parser.positionalArguments();
     if (args.size() != 1 ||

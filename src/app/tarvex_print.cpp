@@ -62,9 +62,10 @@ public:
     }
 };
 
-int Fail(const QString& message) {
+// 1 for a job that fails, 2 for a wrong command line.
+int Fail(const QString& message, int code = 1) {
     std::fprintf(stderr, "tarvex-print: %s\n", qPrintable(message));
-    return 1;
+    return code;
 }
 
 const std::map<QString, JobKind>& Jobs() {
@@ -93,8 +94,6 @@ int main(int argc, char** argv) {
         "Jobs: ex2 (exercises, 2 a page), ex4 (exercises, 4 a page), record (patient record),\n"
         "cover (cover sheet), order (video order form)."));
     parser.addHelpOption();
-    const QCommandLineOption versionOption({QStringLiteral("v"), QStringLiteral("version")},
-                                           QStringLiteral("Displays version information."));
     const QCommandLineOption jobOption(QStringLiteral("job"),
                                        QStringLiteral("The job: ex2, ex4, record, cover or order."),
                                        QStringLiteral("job"));
@@ -104,31 +103,31 @@ int main(int argc, char** argv) {
     const QCommandLineOption outOption(QStringLiteral("out"),
                                        QStringLiteral("The PDF file to write."),
                                        QStringLiteral("FILE.pdf"));
-    parser.addOptions({versionOption, jobOption, invoiceOption, outOption});
-    parser.process(app);
-    if (parser.isSet(versionOption)) {
-        std::printf("%s\n", qPrintable(VersionLine(QStringLiteral("tarvex-print"))));
-        return 0;
-    }
+    parser.addOptions({jobOption, invoiceOption, outOption});
+    if (const auto end = ReadConsoleCommandLine(parser, QCoreApplication::arguments(),
+                                                QStringLiteral("tarvex-print")))
+        return *end;
     if (!parser.positionalArguments().isEmpty())
         return Fail(QStringLiteral("takes no arguments, but was given \"%1\" (see --help)")
-                        .arg(parser.positionalArguments().constFirst()));
+                        .arg(parser.positionalArguments().constFirst()),
+                    2);
     if (!parser.isSet(jobOption))
         return Fail(
-            QStringLiteral("--job is needed: ex2, ex4, record, cover or order (see --help)"));
+            QStringLiteral("--job is needed: ex2, ex4, record, cover or order (see --help)"), 2);
 
     const QString jobName = parser.value(jobOption);
     const auto job = Jobs().find(jobName);
     if (job == Jobs().end())
-        return Fail(QStringLiteral("unknown job \"%1\": use ex2, ex4, record, cover or order")
-                        .arg(jobName));
+        return Fail(
+            QStringLiteral("unknown job \"%1\": use ex2, ex4, record, cover or order").arg(jobName),
+            2);
     bool numberOk = false;
     const int invoice = parser.value(invoiceOption).toInt(&numberOk);
     if (!numberOk)
-        return Fail(QStringLiteral("--invoice needs the number of a stored program"));
+        return Fail(QStringLiteral("--invoice needs the number of a stored program"), 2);
     const QString out = parser.value(outOption);
     if (out.isEmpty())
-        return Fail(QStringLiteral("--out needs the PDF file to write"));
+        return Fail(QStringLiteral("--out needs the PDF file to write"), 2);
     // The PDF is written under a temporary name and takes the place of the file only when it
     // is whole: a failed job leaves a file that was there as it was.
     QSaveFile pdf(out);

@@ -2,6 +2,7 @@
 
 #include "shell/Version.h"
 
+#include <QCommandLineParser>
 #include <cstdio>
 
 namespace tarvex {
@@ -75,6 +76,21 @@ int PrintCommandLineAnswer(const CommandLineAnswer& answer) {
     std::fprintf(stream, "%s\n", answer.text.toLocal8Bit().constData());
     std::fflush(stream);
     return answer.exitCode;
+}
+
+std::optional<int> ReadConsoleCommandLine(QCommandLineParser& parser, const QStringList& arguments,
+                                          const QString& program) {
+    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
+                                     QStringLiteral("Displays version information."));
+    parser.addOption(version);
+    if (!parser.parse(arguments))
+        return PrintCommandLineAnswer(
+            Wrong(program, parser.errorText().replace(u'\'', u'"').toLower()));
+    if (parser.isSet(QStringLiteral("help")))
+        return PrintCommandLineAnswer({CommandLineAsk::Help, parser.helpText().trimmed(), 0});
+    if (parser.isSet(version))
+        return PrintCommandLineAnswer({CommandLineAsk::Version, VersionLine(program), 0});
+    return std::nullopt;
 }
 
 QStringList ArgumentsOf(int argc, char** argv) {

@@ -2,6 +2,9 @@
 
 #include <QString>
 #include <QStringList>
+#include <optional>
+
+class QCommandLineParser;
 
 namespace tarvex {
 
@@ -34,6 +37,13 @@ bool AsksForHelpOrVersion(const QStringList& arguments);
 
 // Prints the answer where it belongs and gives its exit status.
 int PrintCommandLineAnswer(const CommandLineAnswer& answer);
+
+// Reads the command line of a console program with its parser, which must have been
+// given its help option: the help or the version on standard output, a wrong line on
+// standard error. Gives the exit status (0, or 2 for a wrong line) when the program is to
+// end there.
+std::optional<int> ReadConsoleCommandLine(QCommandLineParser& parser, const QStringList& arguments,
+                                          const QString& program);
 
 // The arguments of a program as text, without the program's name.
 QStringList ArgumentsOf(int argc, char** argv);

@@ -30,11 +30,12 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
 void Application::UseProgramIcon(const QString& deliveredFolder) {
     QIcon icon = QIcon::fromTheme(QLatin1String(kDesktopId));
     if (icon.isNull()) {
-        const QDir hicolor(
+        // Installed, the delivered folder is share/tarvex beside share/icons; in the build
+        // tree it is bin, beside share/icons.
+        const QDir installed(QDir(deliveredFolder).filePath(QStringLiteral("../icons/hicolor")));
+        const QDir buildTree(
             QDir(deliveredFolder).filePath(QStringLiteral("../share/icons/hicolor")));
-        const QDir installedHicolor(
-            QDir(deliveredFolder).filePath(QStringLiteral("../icons/hicolor")));
-        for (const QDir& theme : {installedHicolor, hicolor}) {
+        for (const QDir& theme : {installed, buildTree}) {
             for (const int size : {16, 22, 24, 32, 48, 64, 128, 256}) {
                 const QString file = theme.filePath(
                     QStringLiteral("%1x%1/apps/%2.png").arg(size).arg(QLatin1String(kDesktopId)));

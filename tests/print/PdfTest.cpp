@@ -8,6 +8,7 @@
 #include "print/SheetData.h"
 #include "program/ProgramStore.h"
 #include "shell/AppFolder.h"
+#include "shell/CommandLine.h"
 #include "shell/ShellHarness.h"
 #include "support/TestFolder.h"
 #include <QProcessEnvironment>
@@ -216,6 +217,23 @@ TEST(PrintTool, WritesEveryJobOfAStoredProgramFromTheUsersDataFolder) {
     ASSERT_TRUE(missing.waitForFinished(60000));
     EXPECT_NE(missing.exitCode(), 0);
     EXPECT_FALSE(missing.readAllStandardError().isEmpty());
+    EXPECT_FALSE(QFile::exists(home.filePath("m.pdf"))); // no empty file left behind
+
+    // A job that fails leaves a file of the same name as it was.
+    const QString kept = home.filePath("kept.pdf");
+    {
+        QFile file(kept);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("the sheet of yesterday");
+    }
+    QProcess again;
+    again.setProcessEnvironment(env);
+    again.start(TARVEX_PRINT_TOOL, {"--job", "order", "--invoice", "999999", "--out", kept});
+    ASSERT_TRUE(again.waitForFinished(60000));
+    EXPECT_NE(again.exitCode(), 0);
+    QFile file(kept);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), QByteArray("the sheet of yesterday"));
 }
 
 TEST(PrintTool, AFaultAtStartNamesThePlaceOnItsErrorOutput) {
@@ -257,6 +275,21 @@ TEST(PrintTool, UnwritableFileEndsWithAMessage) {
             &errors);
     EXPECT_NE(code, 0);
     EXPECT_TRUE(errors.contains("cannot write")) << errors.toStdString();
+}
+
+TEST(PrintTool, AWrongCommandLineEndsWithStatusTwoAndTheVersionIsAnswered) {
+    int code = 0;
+    QString errors;
+    RunTool(TARVEX_PRINT_TOOL, {"--frobnicate"}, &code, &errors);
+    EXPECT_EQ(code, 2);
+    EXPECT_TRUE(errors.contains("tarvex-print: unknown option \"frobnicate\""))
+        << errors.toStdString();
+    RunTool(TARVEX_PRINT_TOOL, {"--invoice", "1"}, &code, &errors);
+    EXPECT_EQ(code, 2);
+    EXPECT_TRUE(errors.contains("--job is needed")) << errors.toStdString();
+    const QString version = RunTool(TARVEX_PRINT_TOOL, {"--version"}, &code);
+    EXPECT_EQ(code, 0);
+    EXPECT_EQ(version.trimmed(), "tarvex-print (TVX Regimenter) " + ProgramVersion());
 }
 
 TEST(PrintTool, HelpListsTheJobs) {

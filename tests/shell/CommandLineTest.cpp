@@ -1,5 +1,6 @@
 #include "shell/CommandLine.h"
 
+#include <QCommandLineParser>
 #include <gtest/gtest.h>
 
 namespace tarvex {
@@ -92,6 +93,45 @@ TEST(CommandLine, ArgumentsLeaveOutTheProgramsName) {
     char* argv[] = {program, first, second, nullptr};
     EXPECT_EQ(ArgumentsOf(3, argv),
               (QStringList{QStringLiteral("--help"), QStringLiteral("Zo\u00eb.jpg")}));
+}
+
+} // namespace
+} // namespace tarvex
+
+namespace tarvex {
+namespace {
+
+struct ConsoleLine {
+    QCommandLineParser parser;
+    QCommandLineOption job{QStringLiteral("job"), QStringLiteral("The job."),
+                           QStringLiteral("job")};
+    ConsoleLine() {
+        parser.addHelpOption();
+        parser.addOption(job);
+    }
+    std::optional<int> Read(const QStringList& arguments) {
+        return ReadConsoleCommandLine(parser,
+                                      QStringList{QStringLiteral("tarvex-print")} + arguments,
+                                      QStringLiteral("tarvex-print"));
+    }
+};
+
+TEST(ConsoleCommandLine, AGoodLineGoesOn) {
+    ConsoleLine line;
+    EXPECT_EQ(line.Read({QStringLiteral("--job"), QStringLiteral("ex2")}), std::nullopt);
+    EXPECT_EQ(line.parser.value(line.job), QStringLiteral("ex2"));
+}
+
+TEST(ConsoleCommandLine, HelpAndVersionEndWithStatusZero) {
+    EXPECT_EQ(ConsoleLine().Read({QStringLiteral("--help")}), 0);
+    EXPECT_EQ(ConsoleLine().Read({QStringLiteral("-h")}), 0);
+    EXPECT_EQ(ConsoleLine().Read({QStringLiteral("--version")}), 0);
+    EXPECT_EQ(ConsoleLine().Read({QStringLiteral("-v")}), 0);
+}
+
+TEST(ConsoleCommandLine, AWrongLineEndsWithStatusTwo) {
+    EXPECT_EQ(ConsoleLine().Read({QStringLiteral("--frobnicate")}), 2);
+    EXPECT_EQ(ConsoleLine().Read({QStringLiteral("--job")}), 2); // its value is missing
 }
 
 } // namespace
