@@ -98,15 +98,19 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # The libraries the programs link (Qt, libzip, libpq, the C++ run-time) are found by
-# dpkg-shlibdeps. What Qt loads as plug-ins and what the program only reads is named here:
-# the SQLite and PostgreSQL drivers, GStreamer's AVI and Motion JPEG decoders for the
-# movies, and the fonts the printing is drawn with (Liberation Sans for Arial, DejaVu Sans
-# for the check boxes and arrows).
+# dpkg-shlibdeps. Named here is what Qt loads as plug-ins, what the program reads and the
+# programs it runs:
+# - the SQLite and PostgreSQL drivers of Qt;
+# - GStreamer's AVI and Motion JPEG decoders, for the delivered movies;
+# - Liberation Sans (for "Arial") and DejaVu Sans (the check boxes and arrows) in print;
+# - sqlite3, whose ".recover" Database > Rebuild uses on a damaged database;
+# - zip and unzip, with which the backup window's "Fix" mends a damaged archive.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
-    "libqt6sql6-sqlite, libqt6sql6-psql, gstreamer1.0-plugins-base, gstreamer1.0-plugins-good, fonts-liberation, fonts-dejavu-core")
-# pg_dump and pg_restore back up and restore a clinic's server.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "postgresql-client")
+    "libqt6sql6-sqlite, libqt6sql6-psql, gstreamer1.0-plugins-base, gstreamer1.0-plugins-good, fonts-liberation, fonts-dejavu-core, sqlite3, zip, unzip")
+# pg_dump and pg_restore back up and restore a clinic's server; libav plays a clinic's own
+# movies in older formats; Noto Sans CJK shows Chinese, Japanese and Korean names.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "postgresql-client, gstreamer1.0-libav, fonts-noto-cjk")
 # LibreOffice prints the patient instructions document.
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "libreoffice-writer")
 include(CPack)

@@ -13,11 +13,11 @@ TARVEX_PACKAGES=(
 # manager with xprop and xdotool for the tests on a virtual display, and a PostgreSQL
 # server for a private cluster of the tests (it brings the client programs as well), and
 # what builds and checks the Debian package (dpkg-shlibdeps, lintian, the desktop entry's
-# and the AppStream data's validators).
+# and the AppStream data's validators, and man to check the manual pages).
 TARVEX_TEST_PACKAGES=(
     cups printer-driver-cups-pdf ghostscript libreoffice-writer libreoffice-core
     openbox x11-utils xdotool clang-tidy postgresql
-    dpkg-dev lintian desktop-file-utils appstream
+    dpkg-dev lintian desktop-file-utils appstream man-db
 )
 
 # ensure_deps [extra packages...]

@@ -37,7 +37,7 @@ depends=$(dpkg-deb -f "$deb" Depends)
 echo "Depends: $depends"
 for needed in libqt6core6 libqt6gui6 libqt6widgets6 libqt6sql6 libqt6sql6-sqlite libqt6sql6-psql \
     libqt6multimedia6 libqt6multimediawidgets6 libqt6printsupport6 gstreamer1.0-plugins-base \
-    gstreamer1.0-plugins-good libzip4 libpq5 fonts-liberation fonts-dejavu-core; do
+    gstreamer1.0-plugins-good libzip4 libpq5 fonts-liberation fonts-dejavu-core sqlite3 zip unzip; do
     grep -Eq "(^|, )$needed( |,|$)" <<<"$depends" || fail "the package does not depend on $needed"
 done
 # Nothing that only the build or the tests need.
@@ -45,7 +45,7 @@ for unwanted in -dev gtest benchmark cmake ninja clang xvfb xdotool openbox cups
     'postgresql(,|$| )' ffmpeg; do
     if grep -Eq -- "$unwanted" <<<"$depends"; then fail "the package depends on $unwanted"; fi
 done
-[ "$(dpkg-deb -f "$deb" Recommends)" = "postgresql-client" ] ||
+grep -q "postgresql-client" <<<"$(dpkg-deb -f "$deb" Recommends)" ||
     fail "the package does not recommend postgresql-client"
 
 # lintian: nothing but what the README explains (the overrides travel in the package). The
@@ -92,7 +92,8 @@ done
 for size in 16 22 24 32 48 64 128 256; do
     png="$usr/share/icons/hicolor/${size}x$size/apps/com.tarvex.Regimenter.png"
     [ -f "$png" ] || fail "the ${size}x$size icon is missing"
-    file "$png" | grep -q "$size x $size" || fail "the ${size}x$size icon is $(file -b "$png")"
+    drawn=$(ffprobe -v error -show_entries stream=width,height -of csv=p=0 "$png")
+    [ "$drawn" = "$size,$size" ] || fail "the ${size}x$size icon is $drawn"
 done
 # Every file is for everyone to read, and nothing is for anyone to write but root.
 bad=$(find "$root" \( -type f ! -perm -0444 \) -o -perm /0022 | head -3)
