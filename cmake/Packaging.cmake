@@ -75,7 +75,9 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME tarvex)
 set(CPACK_PACKAGE_VENDOR Tarvex)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
-set(CPACK_PACKAGE_CONTACT "Tarvex <support@tarvex.com>")
+# The maker's address, as the About box gives it.
+set(CPACK_PACKAGE_CONTACT "Tarvex <support@tarvex.example>")
+set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://www.tarvex.example")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "home exercise programs for physical-therapy clinics")
 # (Lines of at most 79 characters, as the package's control file asks.)
 set(CPACK_PACKAGE_DESCRIPTION
